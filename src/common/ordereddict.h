@@ -3,9 +3,9 @@
 #include "common/dlverror.h"
 
 #include <QChar>
+#include <QHashFunctions>
 #include <QString>
 #include <QStringView>
-
 #include <cstddef>
 #include <functional>
 #include <unordered_map>
@@ -13,15 +13,18 @@
 #include <vector>
 
 /// How an OrderedDict compares its keys.
-enum class KeyCompare { Exact, CaseInsensitive };
+enum class KeyCompare
+{
+    Exact,
+    CaseInsensitive
+};
 
 /// A string-keyed dictionary that keeps insertion order, as the host platform's dictionaries and
 /// collections do. Adding a key that is present throws the duplicate-key error (457); lookups
 /// never throw (find() gives nullptr). Lookups take a QStringView and do not allocate, also in the
 /// case-insensitive mode, so hot loops can look up by a view into a host table.
 /// Removal is linear (it re-indexes the entries after the removed one); the project removes rarely.
-template <typename V>
-class OrderedDict
+template <typename V> class OrderedDict
 {
 public:
     struct Entry
@@ -32,8 +35,7 @@ public:
 
     explicit OrderedDict(KeyCompare compare = KeyCompare::Exact)
         : m_index(16, Hash{compare}, Equal{compare}), m_compare(compare)
-    {
-    }
+    {}
 
     [[nodiscard]] KeyCompare keyCompare() const { return m_compare; }
     [[nodiscard]] qsizetype count() const { return qsizetype(m_entries.size()); }
@@ -58,7 +60,10 @@ public:
         return true;
     }
 
-    [[nodiscard]] bool contains(QStringView key) const { return m_index.find(key) != m_index.end(); }
+    [[nodiscard]] bool contains(QStringView key) const
+    {
+        return m_index.find(key) != m_index.end();
+    }
 
     [[nodiscard]] const V *find(QStringView key) const
     {
@@ -121,9 +126,10 @@ public:
         m_index.reserve(std::size_t(n));
     }
 
-    [[nodiscard]] const Entry &at(qsizetype i) const { return m_entries[std::size_t(i)]; }
-    [[nodiscard]] Entry &at(qsizetype i) { return m_entries[std::size_t(i)]; }
-    [[nodiscard]] const QString &keyAt(qsizetype i) const { return m_entries[std::size_t(i)].key; }
+    /// Entry by 0-based position; throws DLVError(9) outside 0 to count() - 1.
+    [[nodiscard]] const Entry &at(qsizetype i) const { return m_entries[checkedIndex(i)]; }
+    [[nodiscard]] Entry &at(qsizetype i) { return m_entries[checkedIndex(i)]; }
+    [[nodiscard]] const QString &keyAt(qsizetype i) const { return m_entries[checkedIndex(i)].key; }
 
     [[nodiscard]] auto begin() const { return m_entries.cbegin(); }
     [[nodiscard]] auto end() const { return m_entries.cend(); }
@@ -140,6 +146,14 @@ public:
     }
 
 private:
+    [[nodiscard]] std::size_t checkedIndex(qsizetype i) const
+    {
+        if (i < 0 || i >= count())
+            throw DLVError::subscriptOutOfRange(
+                QStringLiteral("index %1 of %2").arg(i).arg(count()));
+        return std::size_t(i);
+    }
+
     struct Hash
     {
         using is_transparent = void;
@@ -148,15 +162,26 @@ private:
         {
             if (compare == KeyCompare::Exact)
                 return qHash(key);
-            // FNV-1a over case-folded UTF-16 units: no temporary folded string.
+            // FNV-1a over case-folded code points: no temporary folded string. Folding whole code
+            // points (not UTF-16 units) keeps the hash in step with the case-insensitive compare,
+            // which folds letters outside the BMP too.
             std::size_t h = 1469598103934665603ull;
-            for (QChar c : key) {
-                h ^= c.toCaseFolded().unicode();
+            const qsizetype n = key.size();
+            for (qsizetype i = 0; i < n; ++i) {
+                char32_t cp = key[i].unicode();
+                if (QChar::isHighSurrogate(cp) && i + 1 < n && key[i + 1].isLowSurrogate()) {
+                    cp = QChar::surrogateToUcs4(key[i], key[i + 1]);
+                    ++i;
+                }
+                h ^= QChar::toCaseFolded(cp);
                 h *= 1099511628211ull;
             }
             return h;
         }
-        std::size_t operator()(const QString &key) const noexcept { return (*this)(QStringView(key)); }
+        std::size_t operator()(const QString &key) const noexcept
+        {
+            return (*this)(QStringView(key));
+        }
     };
     struct Equal
     {
@@ -165,7 +190,7 @@ private:
         bool operator()(QStringView a, QStringView b) const noexcept
         {
             return a.compare(b, compare == KeyCompare::Exact ? Qt::CaseSensitive
-                                                              : Qt::CaseInsensitive) == 0;
+                                                             : Qt::CaseInsensitive) == 0;
         }
     };
 
