@@ -32,6 +32,9 @@ public:
     [[nodiscard]] QString toXml() const;
     void loadXml(QStringView xml); ///< throws DLVError(5) on malformed text, leaves *this unchanged
     [[nodiscard]] static QZWebData fromXml(QStringView xml);
+    /// The same from UTF-8 bytes (files).
+    void loadXmlUtf8(QByteArrayView xml);
+    [[nodiscard]] static QZWebData fromXmlUtf8(QByteArrayView xml);
 
 private:
     friend class QZWebDataPrivate;

@@ -34,6 +34,7 @@ public:
     [[nodiscard]] static QZWebMessage fromXml(QStringView xml);
     /// The same from UTF-8 bytes (files), without a UTF-16 copy of the whole document.
     [[nodiscard]] static QZWebMessage fromXmlUtf8(QByteArrayView xml);
+    void loadXmlUtf8(QByteArrayView xml);
 
 private:
     friend class QZWebMessagePrivate;

@@ -38,10 +38,13 @@ public:
     [[nodiscard]] const QZWebTable *errorTable() const { return m_error ? &*m_error : nullptr; }
     void setErrorTable(QZWebTable table) { m_error = std::move(table); }
 
-    /// "<WebProfile name=..>" document (format: docs/host-protocol.md).
+    /// "<WebProfile>" document (the name is a child element) (format: docs/host-protocol.md).
     [[nodiscard]] QString toXml() const;
     void loadXml(QStringView xml); ///< throws DLVError(5) on malformed text, leaves *this unchanged
     [[nodiscard]] static QZWebProfile fromXml(QStringView xml);
+    /// The same from UTF-8 bytes (files).
+    void loadXmlUtf8(QByteArrayView xml);
+    [[nodiscard]] static QZWebProfile fromXmlUtf8(QByteArrayView xml);
 
     friend bool operator==(const QZWebProfile &a, const QZWebProfile &b);
 

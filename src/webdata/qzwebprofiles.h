@@ -40,6 +40,9 @@ public:
     /// the set unchanged then.
     void loadXml(QStringView xml);
     [[nodiscard]] static QZWebProfiles fromXml(QStringView xml);
+    /// The same from UTF-8 bytes (files).
+    void loadXmlUtf8(QByteArrayView xml);
+    [[nodiscard]] static QZWebProfiles fromXmlUtf8(QByteArrayView xml);
 
     friend bool operator==(const QZWebProfiles &a, const QZWebProfiles &b);
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QString>
 #include <QStringList>
 #include <QStringView>
-
 #include <cstdint>
 #include <vector>
 
@@ -77,11 +77,16 @@ public:
     /// leaves the table unchanged then.
     void loadXml(QStringView xml);
     [[nodiscard]] static QZWebTable fromXml(QStringView xml);
+    /// The same from UTF-8 bytes (files).
+    void loadXmlUtf8(QByteArrayView xml);
+    [[nodiscard]] static QZWebTable fromXmlUtf8(QByteArrayView xml);
 
     friend bool operator==(const QZWebTable &a, const QZWebTable &b);
 
 private:
     friend class QZWebTablePrivate;
+    void compact(); // drops the text of overwritten and removed cells
+
     struct Span
     {
         std::uint32_t offset = 0;
@@ -92,4 +97,6 @@ private:
     QStringList m_columns;
     std::vector<Span> m_cells; // row-major, columnCount() spans per row
     std::vector<char16_t> m_text;
+    int m_rows = 0;              // kept apart from m_cells: a table may have rows but no columns
+    std::size_t m_deadChars = 0; // text of overwritten or removed cells, reclaimed by compaction
 };

@@ -16,7 +16,10 @@ public:
     void setLanguageCode(QString code) { m_languageCode = std::move(code); }
 
     [[nodiscard]] const QHash<QString, QString> &captionOverrides() const { return m_overrides; }
-    void setCaptionOverride(const QString &key, const QString &text) { m_overrides.insert(key, text); }
+    void setCaptionOverride(const QString &key, const QString &text)
+    {
+        m_overrides.insert(key, text);
+    }
 
 private:
     QString m_languageCode = QStringLiteral("EN");

@@ -1,0 +1,173 @@
+#include "common/dlverror.h"
+#include "webdata/webxmldocument_p.h"
+#include "webdata/webxmltext_p.h"
+
+#include <cstring>
+#include <new>
+
+Q_LOGGING_CATEGORY(lcWebData, "dlv.webdata", QtWarningMsg)
+
+namespace {
+
+// No end-of-line normalisation (a CR in a value must survive) and no attribute-whitespace
+// conversion (names are exact). Whitespace-only text between elements is dropped, except when it
+// is the whole content of an element, so that a value of blanks is kept. An element's leading
+// text is stored in the element itself: half the nodes for a large table.
+constexpr unsigned parseFlags = pugi::parse_cdata | pugi::parse_escapes |
+                                pugi::parse_ws_pcdata_single | pugi::parse_embed_pcdata;
+
+// Out of memory, as the host platform numbers it.
+constexpr qint32 OutOfMemory = 7;
+
+QString kindText(const WebXmlKind &kind)
+{
+    return QString::fromLatin1(kind.description);
+}
+
+[[noreturn]] void throwMalformed(const WebXmlKind &kind, const QString &what)
+{
+    throw DLVError(DLVError::InvalidCall,
+                   QStringLiteral("The %1 is not well-formed: %2").arg(kindText(kind), what));
+}
+
+// Position of a UTF-16 index as text, with line and column (1-based) for people reading a file.
+QString utf16Position(QStringView xml, qsizetype index)
+{
+    qsizetype line = 1;
+    qsizetype lineStart = 0;
+    for (qsizetype i = 0; i < index && i < xml.size(); ++i) {
+        if (xml[i] == u'\n') {
+            ++line;
+            lineStart = i + 1;
+        }
+    }
+    return QStringLiteral("character %1 (line %2, column %3)")
+        .arg(index)
+        .arg(line)
+        .arg(index - lineStart + 1);
+}
+
+QString utf8Position(QByteArrayView xml, qsizetype offset)
+{
+    qsizetype line = 1;
+    qsizetype lineStart = 0;
+    for (qsizetype i = 0; i < offset && i < xml.size(); ++i) {
+        if (xml[i] == '\n') {
+            ++line;
+            lineStart = i + 1;
+        }
+    }
+    return QStringLiteral("byte %1 (line %2, byte %3 of the line)")
+        .arg(offset)
+        .arg(line)
+        .arg(offset - lineStart + 1);
+}
+
+// The parser reports offsets into its UTF-8 form of the text; map one back to a UTF-16 index.
+qsizetype utf16IndexOfUtf8Offset(QStringView xml, std::ptrdiff_t offset)
+{
+    std::ptrdiff_t bytes = 0;
+    qsizetype i = 0;
+    while (i < xml.size() && bytes < offset) {
+        const char16_t u = xml[i].unicode();
+        if (u < 0x80) {
+            bytes += 1;
+        } else if (u < 0x800) {
+            bytes += 2;
+        } else if (u >= 0xD800 && u <= 0xDBFF && i + 1 < xml.size()) {
+            bytes += 4;
+            ++i;
+        } else {
+            bytes += 3;
+        }
+        ++i;
+    }
+    return i;
+}
+
+} // namespace
+
+WebXmlDocument::WebXmlDocument(QStringView xml, const WebXmlKind &kind) : m_kind(kind)
+{
+    // The parser would end the text at a NUL and silently drop unpaired surrogates; both are
+    // refused here so that nothing is lost without an error.
+    for (qsizetype i = 0; i < xml.size(); ++i) {
+        const char16_t u = xml[i].unicode();
+        if (u < 0xD800 && u != 0)
+            continue;
+        if (u == 0)
+            throwMalformed(kind,
+                           QStringLiteral("a NUL character at %1").arg(utf16Position(xml, i)));
+        if (u >= 0xD800 && u <= 0xDBFF && i + 1 < xml.size() && xml[i + 1].unicode() >= 0xDC00 &&
+            xml[i + 1].unicode() <= 0xDFFF) {
+            ++i;
+            continue;
+        }
+        if (u <= 0xDFFF)
+            throwMalformed(kind,
+                           QStringLiteral("an unpaired surrogate at %1 (write it as <C u=\"%2\"/>)")
+                               .arg(utf16Position(xml, i))
+                               .arg(unsigned(u), 0, 16));
+    }
+    const pugi::xml_parse_result result = m_doc.load_buffer(
+        xml.data(), std::size_t(xml.size()) * sizeof(char16_t), parseFlags, pugi::encoding_utf16);
+    if (result.status == pugi::status_out_of_memory)
+        throw DLVError(OutOfMemory,
+                       QStringLiteral("Out of memory loading the %1").arg(kindText(kind)));
+    if (!result)
+        throwMalformed(kind,
+                       QStringLiteral("%1 at %2")
+                           .arg(QString::fromLatin1(result.description()),
+                                utf16Position(xml, utf16IndexOfUtf8Offset(xml, result.offset))));
+    checkRoot();
+}
+
+WebXmlDocument::WebXmlDocument(QByteArrayView utf8, const WebXmlKind &kind) : m_kind(kind)
+{
+    if (const void *nul = std::memchr(utf8.data(), 0, std::size_t(utf8.size())))
+        throwMalformed(kind,
+                       QStringLiteral("a NUL byte at %1")
+                           .arg(utf8Position(utf8, static_cast<const char *>(nul) - utf8.data())));
+    const pugi::xml_parse_result result =
+        m_doc.load_buffer(utf8.data(), std::size_t(utf8.size()), parseFlags, pugi::encoding_utf8);
+    if (result.status == pugi::status_out_of_memory)
+        throw DLVError(OutOfMemory,
+                       QStringLiteral("Out of memory loading the %1").arg(kindText(kind)));
+    if (!result)
+        throwMalformed(kind, QStringLiteral("%1 at %2")
+                                 .arg(QString::fromLatin1(result.description()),
+                                      utf8Position(utf8, result.offset)));
+    checkRoot();
+}
+
+void WebXmlDocument::checkRoot()
+{
+    m_root = m_doc.document_element();
+    if (!WebXmlText::isNamed(m_root, m_kind.root))
+        throw DLVError(DLVError::InvalidCall,
+                       QStringLiteral("The %1 must have the root element <%2>, not <%3>")
+                           .arg(kindText(m_kind), QString::fromLatin1(m_kind.root),
+                                QString::fromUtf8(m_root.name())));
+    for (pugi::xml_node n = m_root.next_sibling(); n; n = n.next_sibling()) {
+        if (n.type() == pugi::node_element)
+            throw DLVError(DLVError::InvalidCall,
+                           QStringLiteral("The %1 has a second root element <%2> after <%3>")
+                               .arg(kindText(m_kind), QString::fromUtf8(n.name()),
+                                    QString::fromLatin1(m_kind.root)));
+    }
+}
+
+void WebXmlDocument::rethrowWithContext() const
+{
+    try {
+        throw;
+    } catch (const DLVError &e) {
+        qCDebug(lcWebData) << "rejected" << m_kind.description << e.description();
+        throw DLVError(
+            e.number(),
+            QStringLiteral("The %1 is invalid: %2").arg(kindText(m_kind), e.description()));
+    } catch (const std::bad_alloc &) {
+        throw DLVError(OutOfMemory,
+                       QStringLiteral("Out of memory loading the %1").arg(kindText(m_kind)));
+    }
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QByteArrayView>
+#include <QLoggingCategory>
+#include <QStringView>
+#include <pugixml.hpp>
+
+Q_DECLARE_LOGGING_CATEGORY(lcWebData)
+
+/// Which document a text is meant to hold: its root element and how errors name it.
+struct WebXmlKind
+{
+    const char *root;        ///< "Table", "WebData", ...
+    const char *description; ///< "table document", ...
+};
+
+namespace WebXmlKinds {
+inline constexpr WebXmlKind Table{"Table", "table document"};
+inline constexpr WebXmlKind Data{"WebData", "data document"};
+inline constexpr WebXmlKind Message{"WebMessage", "message document"};
+inline constexpr WebXmlKind Profile{"WebProfile", "profile document"};
+inline constexpr WebXmlKind Profiles{"WebProfiles", "profile set document"};
+} // namespace WebXmlKinds
+
+/// A parsed host document whose root element has been checked. Construction throws DLVError(5)
+/// with the kind of document, what was wrong, the parser's description and the position.
+class WebXmlDocument
+{
+public:
+    WebXmlDocument(QStringView xml, const WebXmlKind &kind);
+    WebXmlDocument(QByteArrayView utf8, const WebXmlKind &kind);
+    WebXmlDocument(const WebXmlDocument &) = delete;
+    WebXmlDocument &operator=(const WebXmlDocument &) = delete;
+
+    [[nodiscard]] pugi::xml_node root() const { return m_root; }
+
+    /// Runs build(root) and prefixes the description of any DLVError it throws with the kind of
+    /// document, so that an error deep inside a table still says which document failed. Memory
+    /// exhaustion on a huge document becomes DLVError(7).
+    template <typename Build> auto build(Build &&build) const -> decltype(build(pugi::xml_node()))
+    {
+        try {
+            return build(m_root);
+        } catch (...) {
+            rethrowWithContext();
+        }
+    }
+
+private:
+    [[noreturn]] void rethrowWithContext() const;
+    void checkRoot();
+
+    pugi::xml_document m_doc;
+    pugi::xml_node m_root;
+    const WebXmlKind &m_kind;
+};
