@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QString>
+#include <utility>
+#include <vector>
+
+/// Times one benchmark stage and prints it as one JSON line:
+/// {"stage":"load","ms":12.3,"peak_rss_kb":45678, ...extra fields}.
+class Stage
+{
+public:
+    explicit Stage(QString name);
+
+    /// Extra fields printed after the timing; numbers are written as JSON numbers.
+    void add(const QString &key, double value);
+    void add(const QString &key, const QString &value);
+    /// Stops the clock (first call only); returns the elapsed milliseconds.
+    double stop();
+    /// Stops the clock if running and prints the line.
+    void print();
+
+    /// Peak resident set size of this process in kB (VmHWM), or -1 when unknown.
+    [[nodiscard]] static long peakRssKb();
+
+private:
+    QString m_name;
+    QElapsedTimer m_timer;
+    double m_ms = -1;
+    std::vector<std::pair<QString, QString>> m_fields;
+};

@@ -1,0 +1,100 @@
+#include "model/buhierarchy.h"
+
+#include <algorithm>
+
+void BUHierarchy::rebuild(const OrderedDict<QString> &parentMap)
+{
+    const auto n = std::size_t(parentMap.count());
+    m_ids.clear();
+    m_parents.clear();
+    m_unitIndex.clear();
+    m_groupIndex.clear();
+    m_ids.reserve(n);
+    m_parents.reserve(n);
+    m_unitIndex.reserve(qsizetype(n));
+    for (const auto &entry : parentMap) {
+        m_unitIndex.add(entry.key, int(m_ids.size()));
+        m_ids.push_back(entry.key);
+        m_parents.push_back(entry.value);
+    }
+
+    // Group children by parent text, keeping parent-map order within each group (counting sort).
+    std::vector<int> groupOfChild(n, -1);
+    std::vector<int> groupSize;
+    m_parentIndex.assign(n, -1);
+    for (std::size_t i = 0; i < n; ++i) {
+        m_parentIndex[i] = m_unitIndex.find(m_parents[i]) ? *m_unitIndex.find(m_parents[i]) : -1;
+        if (m_parents[i] == m_ids[i])
+            continue; // a root that is its own parent is not its own child
+        int g = m_groupIndex.find(m_parents[i]) ? *m_groupIndex.find(m_parents[i]) : -1;
+        if (g < 0) {
+            g = int(groupSize.size());
+            m_groupIndex.add(m_parents[i], g);
+            groupSize.push_back(0);
+        }
+        groupOfChild[i] = g;
+        ++groupSize[std::size_t(g)];
+    }
+    m_groupStart.assign(groupSize.size() + 1, 0);
+    for (std::size_t g = 0; g < groupSize.size(); ++g)
+        m_groupStart[g + 1] = m_groupStart[g] + groupSize[g];
+    std::vector<int> fill(m_groupStart.begin(), m_groupStart.end() - 1);
+    m_children.assign(m_groupStart.back(), -1);
+    for (std::size_t i = 0; i < n; ++i)
+        if (groupOfChild[i] >= 0)
+            m_children[std::size_t(fill[std::size_t(groupOfChild[i])]++)] = int(i);
+
+    m_unitGroup.assign(n, -1);
+    for (std::size_t i = 0; i < n; ++i)
+        if (const int *g = m_groupIndex.find(m_ids[i]))
+            m_unitGroup[i] = *g;
+
+    m_mark.assign(n, 0);
+    m_stamp = 0;
+}
+
+std::span<const int> BUHierarchy::children(QStringView parentId) const
+{
+    const int *g = m_groupIndex.find(parentId);
+    return g ? group(*g) : std::span<const int>();
+}
+
+void BUHierarchy::appendDescendants(QStringView id, std::vector<int> &out) const
+{
+    if (++m_stamp == 0) { // wrapped: forget every old mark
+        std::fill(m_mark.begin(), m_mark.end(), 0);
+        m_stamp = 1;
+    }
+    const std::uint32_t stamp = m_stamp;
+    if (const int unit = indexOf(id); unit >= 0)
+        m_mark[std::size_t(unit)] = stamp;
+
+    // A node's listed children are contiguous in out; a frame walks them and descends into each.
+    struct Frame
+    {
+        std::size_t next;
+        std::size_t end;
+    };
+    std::vector<Frame> stack;
+    const auto listChildren = [&](std::span<const int> kids) {
+        const std::size_t begin = out.size();
+        for (const int child : kids) {
+            if (m_mark[std::size_t(child)] == stamp)
+                continue;
+            m_mark[std::size_t(child)] = stamp;
+            out.push_back(child);
+        }
+        stack.push_back(Frame{begin, out.size()});
+    };
+
+    listChildren(children(id));
+    while (!stack.empty()) {
+        Frame &top = stack.back();
+        if (top.next == top.end) {
+            stack.pop_back();
+            continue;
+        }
+        const int child = out[top.next++];
+        listChildren(childrenOf(child));
+    }
+}

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "model/jobtype.h"
+#include "model/jobtypes.h"
+
+#include <QString>
+#include <array>
+
+class BusinessUnits;
+class DetailColumns;
+class ErrorReporter;
+class GeneralColumns;
+class QZWebRow;
+
+/// One business unit of one data refresh: its general figures, its real job types, the synthetic
+/// "TOTAL" job type that sums same-named classes over all job types, fourteen unit-wide grand
+/// totals and four hourly rates. Filled by the loader, totalled once by CalcTotal, then read-only.
+class BusinessUnit
+{
+public:
+    static constexpr int CounterCount = JobClass::CounterCount;
+
+    BusinessUnit() = default;
+
+    /// Reads "BUID" and "BUDesc" as text, then "TechCount", "HoursWorked" and "HoursRemaining"
+    /// as numbers (leading-number parse, rounded to 32 bits; DLVError(6) outside the range).
+    void Initialize(const QZWebRow &row, GeneralColumns &columns);
+    /// Adds the detail row to the job type of its "JobType" (created on first sight).
+    void AddJobType(const QZWebRow &row, DetailColumns &columns);
+    /// Builds the "TOTAL" job type, the grand totals and the rates. Must run exactly once: the
+    /// grand totals are added to, never cleared. Failures are reported with the location
+    /// "BusinessUnit.CalcTotal" and the unit keeps the totals reached so far.
+    void CalcTotal(ErrorReporter *reporter);
+    /// Releases the job types and the "TOTAL" job type (both end up empty).
+    void Terminate();
+
+    [[nodiscard]] const QString &BUID() const { return m_buid; }
+    [[nodiscard]] const QString &BUDesc() const { return m_buDesc; }
+    [[nodiscard]] qint32 TechCount() const { return m_techCount; }
+    [[nodiscard]] qint32 HoursWorked() const { return m_hoursWorked; }
+    [[nodiscard]] qint32 HoursRemaining() const { return m_hoursRemaining; }
+    [[nodiscard]] float WOsPerHour() const { return m_wosPerHour; }
+    [[nodiscard]] float WOsPerHrReq() const { return m_wosPerHrReq; }
+    [[nodiscard]] float PtsPerHour() const { return m_ptsPerHour; }
+    [[nodiscard]] float PtsPerHrReq() const { return m_ptsPerHrReq; }
+
+    [[nodiscard]] const ::JobTypes &JobTypes() const { return m_jobTypes; }
+    [[nodiscard]] const JobType &TotalJobType() const { return m_totalJobType; }
+
+    /// 1-based row of the unit's first row in the general-information table.
+    [[nodiscard]] qint32 BUIndex() const { return m_buIndex; }
+    void SetBUIndex(qint32 index);
+
+    /// Throws DLVError(9) when index is outside 0..13.
+    [[nodiscard]] qint32 GetGrandTotal(int index) const;
+    [[nodiscard]] const std::array<qint32, CounterCount> &GrandTotals() const
+    {
+        return m_grandTotals;
+    }
+
+private:
+    friend class BusinessUnits;
+    void calcTotal();
+
+    QString m_buid;
+    QString m_buDesc;
+    qint32 m_techCount = 0;
+    qint32 m_hoursWorked = 0;
+    qint32 m_hoursRemaining = 0;
+    float m_wosPerHour = 0;
+    float m_wosPerHrReq = 0;
+    float m_ptsPerHour = 0;
+    float m_ptsPerHrReq = 0;
+    ::JobTypes m_jobTypes;
+    JobType m_totalJobType;
+    qint32 m_buIndex = 0;
+    std::array<qint32, CounterCount> m_grandTotals{};
+    BusinessUnits *m_owner = nullptr; // told when BUIndex changes, to refresh its BUItem index
+};

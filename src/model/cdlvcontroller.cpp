@@ -1,0 +1,344 @@
+#include "model/cdlvcontroller.h"
+
+#include "common/conversions.h"
+#include "common/dlverror.h"
+#include "common/errorreporter.h"
+#include "model/detailcolumns.h"
+#include "model/dlvsurface.h"
+#include "model/errortrap.h"
+#include "model/generalcolumns.h"
+#include "model/modellog.h"
+#include "webdata/qzwebdata.h"
+#include "webdata/qzwebmessage.h"
+#include "webdata/qzwebtable.h"
+#include "webdata/webvariant.h"
+
+#include <cmath>
+
+namespace {
+
+// Fills one exact-key lookup from two columns of a code table, row by row; a repeated key raises
+// DLVError(457) with the rows before it kept.
+void fillLookup(StringSet &lookup, const QZWebTable &table, QStringView keyColumn,
+                QStringView valueColumn)
+{
+    lookup.clear();
+    const int rows = table.rowCount();
+    if (rows < 1)
+        return;
+    const int keyAt = table.requireColumn(keyColumn);
+    const int valueAt = table.requireColumn(valueColumn);
+    lookup.reserve(rows);
+    for (int i = 1; i <= rows; ++i)
+        lookup.add(table.value(i, keyAt).toString(), table.value(i, valueAt).toString());
+}
+
+// A time of day shifted by a number of minutes must stay inside the host platform's date range
+// (years 100 to 9999); beyond it the addition overflows.
+QDateTime addMinutes(const QDateTime &now, double minutes)
+{
+    constexpr double MaxOffsetMs = 1e16; // far beyond the date range, still exact in qint64
+    const double ms = minutes * 60000.0;
+    if (!std::isfinite(ms) || std::abs(ms) > MaxOffsetMs)
+        throw DLVError::overflow();
+    const QDateTime next = now.addMSecs(qint64(std::llround(ms)));
+    if (!next.isValid() || next.date().year() < 100 || next.date().year() > 9999)
+        throw DLVError::overflow();
+    return next;
+}
+
+void addPieces(QStringView id, StringSet &out)
+{
+    // The step-by-step listing joins the ids with "," and splits the text again, so an id that
+    // itself holds a comma arrives as its pieces.
+    if (!id.contains(u',')) {
+        if (!out.contains(id)) {
+            const QString text = id.toString();
+            out.add(text, text);
+        }
+        return;
+    }
+    for (const QStringView piece : id.tokenize(u',')) {
+        if (!out.contains(piece)) {
+            const QString text = piece.toString();
+            out.add(text, text);
+        }
+    }
+}
+
+} // namespace
+
+cDLVController::cDLVController(ErrorReporter *reporter, QObject *parent)
+    : QObject(parent), m_reporter(reporter), m_bus(std::make_unique<BusinessUnits>())
+{}
+
+cDLVController::~cDLVController()
+{
+    if (m_bus)
+        m_bus->Terminate();
+}
+
+void cDLVController::Initialize(DLVSurface *surface)
+{
+    m_surface = surface;
+}
+
+void cDLVController::Release()
+{
+    if (m_bus)
+        m_bus->Terminate();
+    m_bus = std::make_unique<BusinessUnits>();
+    m_buDescriptions.clear();
+    m_parentBUIDs.clear();
+    m_jobTypeDescriptions.clear();
+    m_jobClassDescriptions.clear();
+    m_timeFormats.reset();
+    m_hierarchyValid = false;
+}
+
+void cDLVController::ReceiveMessage(const QVariant &data, qint32 DataType, const QString &Tag)
+{
+    Q_UNUSED(DataType);
+    Q_UNUSED(Tag);
+    std::shared_ptr<QZWebMessage> message;
+    qint32 number = 0;
+    QString description;
+    try {
+        if (WebVariant::typeName(data) != u"QZWebMessage")
+            return;
+        message = WebVariant::unwrap<QZWebMessage>(data);
+        if (!message)
+            return;
+        const QString &name = message->name();
+        if (name == u"DLVData") {
+            if (SingleBUGridBusy || HierarchyGridBusy) {
+                qCDebug(lcModel) << "data message dropped: a grid fill is still in progress";
+                return;
+            }
+            SingleBUGridBusy = true;
+            HierarchyGridBusy = true;
+            if (!LoadData(*message)) {
+                // The fills clear their own flags; a load that failed before raising the fill
+                // would leave them set for good and every later message would be dropped.
+                SingleBUGridBusy = false;
+                HierarchyGridBusy = false;
+            }
+            emit HideStatus();
+        } else if (name == u"DLVServerStopped") {
+            emit ShowStatus(QStringLiteral("msg-DLVServerDown"), true);
+        }
+        return;
+    } catch (const DLVError &e) {
+        number = e.number();
+        description = e.description();
+    } catch (const std::bad_alloc &) {
+        number = 7;
+        description = QStringLiteral("Out of memory");
+    } catch (const std::exception &e) {
+        number = DLVError::InvalidCall;
+        description = QString::fromLocal8Bit(e.what());
+    }
+    reportMessageError(message.get(), number, description);
+}
+
+void cDLVController::reportMessageError(const QZWebMessage *message, qint32 number,
+                                        const QString &description)
+{
+    // A failing message reports the host's own error fields ("Number", "Description") rather
+    // than the local failure. Deliberate choice: where the message carries no such field, the
+    // local failure's number or description stands in, so the user never sees an empty error.
+    qint32 shownNumber = number;
+    QString shownDescription = description;
+    if (message) {
+        if (message->hasProperty(u"Number")) {
+            try {
+                shownNumber = Conv::textToLong(message->property(u"Number"));
+            } catch (const DLVError &) {
+                shownNumber = number; // a host number beyond 32 bits: keep the local one
+            }
+        }
+        if (const QString text = message->property(u"Description"); !text.isEmpty())
+            shownDescription = text;
+    }
+    ErrorTrap::report(m_reporter, shownNumber, shownDescription,
+                      QStringLiteral("cDLVController.ReceiveMessage"));
+}
+
+bool cDLVController::LoadData(const QZWebMessage &message)
+{
+    bool reachedFill = false;
+    ErrorTrap::run(m_reporter, QStringLiteral("cDLVController.LoadData"), [&] {
+        const std::shared_ptr<QZWebData> data = message.data(1);
+        if (!data)
+            throw DLVError::invalidCall(QStringLiteral("the message's data item 1 is empty"));
+        const QZWebTable &businessUnits = data->table(u"BusinessUnits");
+        const QZWebTable &jobTypes = data->table(u"JobTypes");
+        const QZWebTable &jobClasses = data->table(u"JobClasses");
+        const QZWebTable &regionalFormats = data->table(u"RegionalFormats");
+        LoadRegionalFormats(regionalFormats);
+        LoadCodeLookups(businessUnits, jobTypes, jobClasses);
+        const QZWebTable &general = data->table(u"BUGeneralInfo");
+        const QZWebTable &details = data->table(u"BUDetailsInfo");
+        bool ok = false;
+        LoadBUData(general, details, ok);
+        if (!ok)
+            qCDebug(lcModel) << "figures only partly loaded";
+        reachedFill = true;
+        emit FillBUHierarchyGrid(*m_bus);
+        UpdateRefreshTimes(message);
+        m_jeopardyThreshold = message.property(u"tqJeopardyThreshold");
+    });
+    return reachedFill;
+}
+
+void cDLVController::LoadRegionalFormats(const QZWebTable &table)
+{
+    if (!m_timeFormats)
+        m_timeFormats = std::make_unique<StringSet>(KeyCompare::Exact);
+    fillLookup(*m_timeFormats, table, u"languageCode", u"timeformat");
+}
+
+void cDLVController::LoadCodeLookups(const QZWebTable &businessUnits, const QZWebTable &jobTypes,
+                                     const QZWebTable &jobClasses)
+{
+    // Lookup by lookup: a failure leaves the later lookups as the previous load left them.
+    fillLookup(m_buDescriptions, businessUnits, u"BUID", u"BUDesc");
+    m_hierarchyValid = false;
+    fillLookup(m_parentBUIDs, businessUnits, u"BUID", u"ParentBUID");
+    fillLookup(m_jobTypeDescriptions, jobTypes, u"JobType", u"JobTypeDesc");
+    fillLookup(m_jobClassDescriptions, jobClasses, u"JobClass", u"JobClassDesc");
+}
+
+void cDLVController::LoadBUData(const QZWebTable &general, const QZWebTable &details, bool &ok)
+{
+    ErrorTrap::run(m_reporter, QStringLiteral("cDLVController.LoadBUData"), [&] {
+        m_bus->Terminate();
+        m_bus = std::make_unique<BusinessUnits>();
+        BusinessUnits &bus = *m_bus;
+
+        GeneralColumns generalColumns(general);
+        const int generalRows = general.rowCount();
+        for (int i = 1; i <= generalRows; ++i) {
+            const QZWebRow row(general, i);
+            if (!bus.Item(row.value(generalColumns.buid())))
+                bus.Add(row, generalColumns).SetBUIndex(i);
+        }
+
+        DetailColumns detailColumns(details);
+        const int detailRows = details.rowCount();
+        for (int i = 1; i <= detailRows; ++i) {
+            const QZWebRow row(details, i);
+            if (BusinessUnit *unit = bus.Item(row.value(detailColumns.buid())))
+                unit->AddJobType(row, detailColumns);
+        }
+
+        for (int p = 0; p < bus.Count(); ++p)
+            bus.At(p).CalcTotal(m_reporter);
+        ok = true;
+    });
+}
+
+void cDLVController::UpdateRefreshTimes(const QZWebMessage &message)
+{
+    if (!m_surface)
+        throw DLVError::invalidCall(QStringLiteral("the controller has no surface to write to"));
+    QString format;
+    if (m_timeFormats) {
+        if (const QString *own = m_timeFormats->find(m_languageID))
+            format = *own;
+        else if (const QString *english = m_timeFormats->find(u"EN"))
+            format = *english;
+    }
+    const QDateTime now = m_clock ? m_clock() : QDateTime::currentDateTime();
+    m_surface->setCaption(u"lblLastRefreshTime", Conv::formatTime(now.time(), format));
+    const double minutes = Conv::leadingNumber(message.property(u"tqDBRefreshInterval"));
+    const QDateTime next = addMinutes(now, minutes);
+    m_surface->setCaption(u"lblNextRefreshTime", Conv::formatTime(next.time(), format));
+    m_surface->setVisible(u"lblLastTime", true);
+    m_surface->setVisible(u"lblLastRefreshTime", true);
+    m_surface->setVisible(u"lblNextTime", true);
+    m_surface->setVisible(u"lblNextRefreshTime", true);
+}
+
+void cDLVController::FillSingleBU()
+{
+    emit FillSingleBUGrid(*m_bus);
+}
+
+const BUHierarchy &cDLVController::Hierarchy() const
+{
+    if (!m_hierarchyValid) {
+        m_hierarchy.rebuild(m_parentBUIDs);
+        m_hierarchyValid = true;
+    }
+    return m_hierarchy;
+}
+
+StringSet cDLVController::GetBUList()
+{
+    StringSet ids(KeyCompare::Exact);
+    ErrorTrap::run(m_reporter, QStringLiteral("cDLVController.GetBUList"), [&] {
+        if (!m_surface)
+            throw DLVError::invalidCall(QStringLiteral("the controller has no surface to read"));
+        const int count = m_surface->buListCount();
+        for (int i = 0; i < count; ++i) {
+            if (!m_surface->buListSelected(i))
+                continue;
+            const QString id = m_surface->buListKey(i).mid(1);
+            ids.addIfAbsent(id, id);
+        }
+    });
+    return ids;
+}
+
+StringSet cDLVController::GetAggregateBUList()
+{
+    StringSet ids(KeyCompare::Exact);
+    ErrorTrap::run(m_reporter, QStringLiteral("cDLVController.GetAggregateBUList"), [&] {
+        if (!m_surface)
+            throw DLVError::invalidCall(QStringLiteral("the controller has no surface to read"));
+        const int count = m_surface->buListCount();
+        for (int i = 0; i < count; ++i) {
+            if (m_surface->buListSelected(i))
+                appendBUIDList(m_surface->buListKey(i).mid(1), ids);
+        }
+    });
+    return ids;
+}
+
+StringSet cDLVController::GetBUIDList(const QString &buID)
+{
+    StringSet ids(KeyCompare::Exact);
+    ErrorTrap::run(m_reporter, QStringLiteral("cDLVController.GetBUIDList"),
+                   [&] { appendBUIDList(buID, ids); });
+    return ids;
+}
+
+QString cDLVController::GetChildBUIDList(const QString &buID)
+{
+    QString list;
+    ErrorTrap::run(m_reporter, QStringLiteral("cDLVController.GetChildBUIDList"), [&] {
+        const BUHierarchy &hierarchy = Hierarchy();
+        m_walk.clear();
+        hierarchy.appendDescendants(buID, m_walk);
+        qsizetype length = 0;
+        for (const int unit : m_walk)
+            length += hierarchy.id(unit).size() + 1;
+        list.reserve(length);
+        for (const int unit : m_walk) {
+            list += hierarchy.id(unit);
+            list += u',';
+        }
+    });
+    return list;
+}
+
+void cDLVController::appendBUIDList(const QString &buID, StringSet &out) const
+{
+    const BUHierarchy &hierarchy = Hierarchy();
+    addPieces(buID, out);
+    m_walk.clear();
+    hierarchy.appendDescendants(buID, m_walk);
+    for (const int unit : m_walk)
+        addPieces(hierarchy.id(unit), out);
+}

@@ -1,0 +1,125 @@
+#pragma once
+
+#include "common/ordereddict.h"
+#include "model/buhierarchy.h"
+#include "model/businessunits.h"
+
+#include <QDateTime>
+#include <QObject>
+#include <QString>
+#include <QVariant>
+#include <functional>
+#include <memory>
+#include <vector>
+
+class DLVSurface;
+class ErrorReporter;
+class QZWebMessage;
+class QZWebTable;
+
+/// The one object between the host's data messages and the views. It decides what kind of
+/// message arrived, rebuilds the code lookups and the business-unit model from a "DLVData"
+/// message, writes the refresh times on the control's surface, and tells the control through its
+/// signals when to show or hide the status line and when to fill the grids. Signals are emitted
+/// synchronously: the control's handlers run inside the controller's call.
+///
+/// Failures never leave the controller: each procedure that traps errors reports them through the
+/// ErrorReporter with its location ("cDLVController.LoadData", ...) and returns normally.
+class cDLVController final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(cDLVController)
+
+public:
+    using Clock = std::function<QDateTime()>;
+
+    /// reporter receives every trapped error (not owned; may be null, then errors are logged).
+    explicit cDLVController(ErrorReporter *reporter, QObject *parent = nullptr);
+    ~cDLVController() override;
+
+    /// Stores the control's surface (not owned; it must outlive the controller or be reset).
+    void Initialize(DLVSurface *surface);
+    /// Releases the model and the lookups (the model's units are told to release their contents
+    /// first). The controller stays usable with an empty model; the destructor does the same.
+    void Release();
+
+    /// Handles one host message. DataType and Tag are accepted and not used: the kind of message
+    /// is decided from data alone. Never throws.
+    void ReceiveMessage(const QVariant &data, qint32 DataType, const QString &Tag);
+    /// Raises FillSingleBUGrid with the current model (the views call it to redraw the summary).
+    void FillSingleBU();
+
+    [[nodiscard]] const QString &LanguageID() const { return m_languageID; }
+    void SetLanguageID(const QString &languageID) { m_languageID = languageID; }
+    /// "tqJeopardyThreshold" of the last loaded data message.
+    [[nodiscard]] const QString &JeopardyThreshold() const { return m_jeopardyThreshold; }
+
+    /// The current model (empty before the first load).
+    [[nodiscard]] BusinessUnits &BUs() { return *m_bus; }
+    [[nodiscard]] const BusinessUnits &BUs() const { return *m_bus; }
+    /// Code lookups (exact keys, host order): BUID -> BUDesc, BUID -> ParentBUID,
+    /// JobType -> JobTypeDesc, JobClass -> JobClassDesc.
+    [[nodiscard]] const StringSet &BUDescriptions() const { return m_buDescriptions; }
+    [[nodiscard]] const StringSet &ParentBUIDs() const { return m_parentBUIDs; }
+    [[nodiscard]] const StringSet &JobTypeDescriptions() const { return m_jobTypeDescriptions; }
+    [[nodiscard]] const StringSet &JobClassDescriptions() const { return m_jobClassDescriptions; }
+    /// Language code -> time format, from the last "RegionalFormats" table (null before one).
+    [[nodiscard]] const StringSet *TimeFormats() const { return m_timeFormats.get(); }
+    /// The children index of ParentBUIDs, for building the hierarchy without rescanning the map.
+    [[nodiscard]] const BUHierarchy &Hierarchy() const;
+
+    /// Ids of the selected items of lvBU, in list order (the key less its first character).
+    [[nodiscard]] StringSet GetBUList();
+    /// Every selected unit with all its descendants, first-seen order, each once.
+    [[nodiscard]] StringSet GetAggregateBUList();
+    /// The unit and all its descendants (see GetChildBUIDList). For the root mark "#" this is
+    /// "#" followed by the units the parent map places under "#" and their descendants (units
+    /// whose parent is no unit are not included, as the parent map does not reach them).
+    [[nodiscard]] StringSet GetBUIDList(const QString &buID);
+    /// All descendants of the unit, each followed by ",": the direct children in parent-map
+    /// order, then each child's descendants in turn. A cycle is cut where it closes.
+    [[nodiscard]] QString GetChildBUIDList(const QString &buID);
+
+    /// Replaces the clock used for the refresh times (tests); the default is the current time.
+    void setClock(Clock clock) { m_clock = std::move(clock); }
+
+    /// Set while a grid fill is in progress; a data message is dropped while either is set.
+    /// The fills set and clear them (the summary fill its own, the hierarchy fill its own).
+    bool SingleBUGridBusy = false;
+    bool HierarchyGridBusy = false;
+
+Q_SIGNALS:
+    void ShowStatus(const QString &key, bool error);
+    void HideStatus();
+    void FillSingleBUGrid(BusinessUnits &bus);
+    void FillBUHierarchyGrid(BusinessUnits &bus);
+
+private:
+    /// Returns true when the load got as far as raising FillBUHierarchyGrid.
+    bool LoadData(const QZWebMessage &message);
+    void LoadRegionalFormats(const QZWebTable &table);
+    void LoadCodeLookups(const QZWebTable &businessUnits, const QZWebTable &jobTypes,
+                         const QZWebTable &jobClasses);
+    void LoadBUData(const QZWebTable &general, const QZWebTable &details, bool &ok);
+    void UpdateRefreshTimes(const QZWebMessage &message);
+
+    void appendBUIDList(const QString &buID, StringSet &out) const;
+    void reportMessageError(const QZWebMessage *message, qint32 number, const QString &description);
+
+    ErrorReporter *m_reporter;
+    DLVSurface *m_surface = nullptr;
+    QString m_languageID;
+    QString m_jeopardyThreshold;
+    std::unique_ptr<BusinessUnits> m_bus;
+    StringSet m_buDescriptions{KeyCompare::Exact};
+    StringSet m_parentBUIDs{KeyCompare::Exact};
+    StringSet m_jobTypeDescriptions{KeyCompare::Exact};
+    StringSet m_jobClassDescriptions{KeyCompare::Exact};
+    std::unique_ptr<StringSet> m_timeFormats;
+    Clock m_clock;
+
+    // Rebuilt on first use after the parent map changed: once per load.
+    mutable BUHierarchy m_hierarchy;
+    mutable bool m_hierarchyValid = false;
+    mutable std::vector<int> m_walk; // scratch for descendant walks
+};

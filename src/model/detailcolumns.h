@@ -1,0 +1,51 @@
+#pragma once
+
+#include "common/ordereddict.h"
+
+#include <QString>
+#include <QStringView>
+#include <array>
+
+class QZWebTable;
+
+/// Reading context of one "BUDetailsInfo" table: column positions looked up once per table, and
+/// the job-type and job-class codes shared between rows (a table of 300,000 rows holds a few dozen
+/// distinct codes, so each stored code shares one string instead of allocating its own).
+/// Columns are resolved on first use and in the order a row is read ("BUID"; then "JobType";
+/// then "JobClass" and the fourteen counters), so a missing column fails at the same point, with
+/// the same partial model, as a field-by-name read would.
+class DetailColumns
+{
+public:
+    static constexpr int CounterCount = 14;
+    /// The counter columns by counter index.
+    static const std::array<QStringView, CounterCount> CounterColumns;
+
+    explicit DetailColumns(const QZWebTable &table) : m_table(&table) {}
+
+    [[nodiscard]] const QZWebTable &table() const { return *m_table; }
+
+    /// Each throws DLVError(9) when the table lacks the column.
+    [[nodiscard]] int buid();
+    [[nodiscard]] int jobType();
+    [[nodiscard]] int jobClass();
+    /// Resolves "JobClass" and all counter columns (in counter order).
+    void resolveClassFields();
+    [[nodiscard]] int counter(int index) const { return m_counters[std::size_t(index)]; }
+
+    /// The stored form of a code: equal codes share one string.
+    [[nodiscard]] QString jobTypeCode(QStringView code) { return intern(m_jobTypeCodes, code); }
+    [[nodiscard]] QString jobClassCode(QStringView code) { return intern(m_jobClassCodes, code); }
+
+private:
+    static QString intern(StringSet &pool, QStringView code);
+
+    const QZWebTable *m_table;
+    int m_buid = -1;
+    int m_jobType = -1;
+    int m_jobClass = -1;
+    bool m_classFieldsResolved = false;
+    std::array<int, CounterCount> m_counters{};
+    StringSet m_jobTypeCodes{KeyCompare::Exact};
+    StringSet m_jobClassCodes{KeyCompare::Exact};
+};

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "webdata/qzwebmessage.h"
+#include "webdata/qzwebtable.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <map>
+#include <memory>
+
+/// Builds "DLVData" messages for tests: the six tables with their columns, plus the properties
+/// "tqDBRefreshInterval" (default "15") and "tqJeopardyThreshold" (default "30"). Tables and
+/// columns can be dropped to model a faulty host.
+class DLVDataBuilder
+{
+public:
+    DLVDataBuilder();
+
+    DLVDataBuilder &unit(const QString &id, const QString &desc, const QString &parent);
+    DLVDataBuilder &jobType(const QString &code, const QString &desc);
+    DLVDataBuilder &jobClass(const QString &code, const QString &desc);
+    DLVDataBuilder &format(const QString &language, const QString &timeFormat);
+    DLVDataBuilder &general(const QString &id, const QString &desc, const QString &techCount,
+                            const QString &hoursWorked, const QString &hoursRemaining);
+    /// A detail row; counters are given from index 0 on and the rest are "0".
+    DLVDataBuilder &detail(const QString &id, const QString &jobType, const QString &jobClass,
+                           const QStringList &counters = {});
+    /// A detail row whose one counter index holds value, the others "0".
+    DLVDataBuilder &detailAt(const QString &id, const QString &jobType, const QString &jobClass,
+                             int index, const QString &value);
+    DLVDataBuilder &property(const QString &key, const QString &value);
+    DLVDataBuilder &withoutTable(const QString &table);
+    DLVDataBuilder &withoutColumn(const QString &table, const QString &column);
+    DLVDataBuilder &named(const QString &name);
+
+    [[nodiscard]] std::shared_ptr<QZWebMessage> message() const;
+    [[nodiscard]] QVariant variant() const;
+
+private:
+    QZWebTable &table(const QString &name);
+
+    QString m_name = QStringLiteral("DLVData");
+    std::map<QString, QZWebTable> m_tables;
+    QStringList m_order;
+    QStringList m_dropped;
+    std::map<QString, QString> m_properties;
+};
