@@ -1,0 +1,93 @@
+#pragma once
+
+#include "views/outlinegrid.h"
+
+#include <QAbstractItemModel>
+#include <QFont>
+
+/// A tree-shaped item model over an OutlineGrid. Data rows (from the first non-fixed row) form the
+/// tree by outline level: nodes hold their children, plain rows are leaves. Each index's internal
+/// id is its grid row. The fixed rows become header data: the caption row (the last fixed row) as
+/// the usual display/background/font roles, the band row above it through the Band* roles.
+///
+/// The grid stays the single source of truth. Cell changes become dataChanged(); structural
+/// changes become one model reset each, and while the grid's redraw is suspended the model sits
+/// inside one reset that ends when redraw resumes, so a fill of any size costs one reset.
+/// The grid must outlive the model or tell it that it is gone (it does so from its destructor).
+class OutlineGridModel final : public QAbstractItemModel, private OutlineGrid::Observer
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(OutlineGridModel)
+
+public:
+    enum Role
+    {
+        RowDataRole = Qt::UserRole + 1, ///< QString: the row's row data
+        GridRowRole,                    ///< int: the grid row number
+        IsNodeRole,                     ///< bool: the row is an outline node
+        OutlineLevelRole,               ///< int: the effective outline level
+        // Header (horizontal headerData) roles:
+        BandTextRole,       ///< QString: band row (row 0) text of the column
+        BandBackgroundRole, ///< QColor: band row back colour (absent when unset)
+        BandBoldRole,       ///< bool: band row bold
+        CaptionBoldRole,    ///< bool: caption row bold
+        BandHeightRole,     ///< int: band row height in twips, 0 when there is no band row
+        CaptionHeightRole,  ///< int: caption row height in twips, 0 when there is no caption row
+    };
+
+    explicit OutlineGridModel(OutlineGrid *grid, QObject *parent = nullptr);
+    ~OutlineGridModel() override;
+
+    [[nodiscard]] OutlineGrid *grid() const noexcept { return m_grid; }
+
+    /// The index of a data row in a column; invalid for fixed rows and rows outside the grid.
+    [[nodiscard]] QModelIndex indexForRow(int gridRow, int col) const;
+    /// The grid row of an index, -1 for an invalid one.
+    [[nodiscard]] static int gridRow(const QModelIndex &index);
+
+    /// Pixel conversion for the size hints (1440 / logical DPI; 15 at 96 DPI).
+    void setTwipsPerPixel(double x, double y);
+
+    [[nodiscard]] QModelIndex index(int row, int column,
+                                    const QModelIndex &parent = QModelIndex()) const override;
+    [[nodiscard]] QModelIndex parent(const QModelIndex &child) const override;
+    [[nodiscard]] QModelIndex sibling(int row, int column, const QModelIndex &idx) const override;
+    [[nodiscard]] int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    [[nodiscard]] int columnCount(const QModelIndex &parent = QModelIndex()) const override;
+    [[nodiscard]] bool hasChildren(const QModelIndex &parent = QModelIndex()) const override;
+    [[nodiscard]] QVariant data(const QModelIndex &index,
+                                int role = Qt::DisplayRole) const override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                      int role = Qt::DisplayRole) const override;
+    [[nodiscard]] Qt::ItemFlags flags(const QModelIndex &index) const override;
+    [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
+
+Q_SIGNALS:
+    /// A node was expanded or collapsed in the grid (index in column 0).
+    void collapseStateChanged(const QModelIndex &index, bool collapsed);
+    /// Column widths, row heights or the outline columns changed.
+    void gridLayoutChanged();
+    /// The grid's current cell was set by code.
+    void currentCellChanged(int row, int col);
+
+private:
+    void gridStructureAboutToChange() override;
+    void gridStructureChanged() override;
+    void gridCellsChanged(int row1, int col1, int row2, int col2) override;
+    void gridCollapseStateChanged(int row) override;
+    void gridLayoutSettingsChanged() override;
+    void gridCurrentCellChanged(int row, int col) override;
+    void gridRedrawSuspended() override;
+    void gridRedrawResumed() override;
+    void gridDestroyed() override;
+
+    [[nodiscard]] bool validRow(int row) const;
+    void beginReset();
+    void endReset();
+
+    OutlineGrid *m_grid = nullptr;
+    QFont m_boldFont;
+    double m_twipsPerPixelX = 15.0;
+    double m_twipsPerPixelY = 15.0;
+    bool m_inReset = false;
+};
