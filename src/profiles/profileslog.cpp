@@ -1,0 +1,3 @@
+#include "profiles/profileslog.h"
+
+Q_LOGGING_CATEGORY(lcProfiles, "dlv.profiles")
