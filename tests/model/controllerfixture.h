@@ -3,10 +3,11 @@
 #include "model/cdlvcontroller.h"
 #include "model/dlvdatabuilder.h"
 #include "model/fakesurface.h"
-#include "model/recordingreporter.h"
+#include "support/recordingreporter.h"
 
 #include <QDateTime>
 #include <gtest/gtest.h>
+#include <stdexcept>
 
 /// Counts emissions of a fill signal. (QSignalSpy cannot record the by-reference model argument.)
 class FillCounter
@@ -24,11 +25,10 @@ private:
 
 /// A controller wired to a fake surface and a recording reporter, with a fixed clock (10:50).
 /// load() delivers a message as if no grid fill were in progress, since no views are connected
-/// here to clear the busy flags.
-class ControllerFixture : public ::testing::Test
+/// here to clear the busy flags. Usable as a fixture or, one per row, in case tables.
+struct ControllerRig
 {
-protected:
-    ControllerFixture()
+    ControllerRig()
     {
         controller.Initialize(&surface);
         controller.setClock([this] { return now; });
@@ -63,3 +63,8 @@ protected:
     cDLVController controller{&reporter};
     QDateTime now{QDate(2024, 3, 1), QTime(10, 50)};
 };
+
+class ControllerFixture : public ::testing::Test, public ControllerRig
+{};
+
+using Reports = std::vector<std::string>;

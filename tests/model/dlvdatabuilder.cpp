@@ -5,77 +5,44 @@
 
 DLVDataBuilder::DLVDataBuilder()
 {
-    const auto add = [this](const QString &name, const QStringList &columns) {
+    const std::pair<const char *, QStringList> tables[] = {
+        {"BusinessUnits", {"BUID", "BUDesc", "ParentBUID"}},
+        {"JobTypes", {"JobType", "JobTypeDesc"}},
+        {"JobClasses", {"JobClass", "JobClassDesc"}},
+        {"RegionalFormats", {"languageCode", "timeformat"}},
+        {"BUGeneralInfo", {"BUID", "BUDesc", "TechCount", "HoursWorked", "HoursRemaining"}},
+        {"BUDetailsInfo",
+         {"BUID", "JobType", "JobClass", "WOOpen", "WOWarning", "WOJeopardy", "WOLate",
+          "WOCompleted", "WOCanceled", "WONotDone", "PtsOpen", "PtsWarning", "PtsJeopardy",
+          "PtsLate", "PtsCompleted", "PtsCanceled", "PtsNotDone"}}};
+    for (const auto &[name, columns] : tables) {
         m_tables.emplace(name, QZWebTable(name, columns));
         m_order << name;
-    };
-    add(QStringLiteral("BusinessUnits"), {"BUID", "BUDesc", "ParentBUID"});
-    add(QStringLiteral("JobTypes"), {"JobType", "JobTypeDesc"});
-    add(QStringLiteral("JobClasses"), {"JobClass", "JobClassDesc"});
-    add(QStringLiteral("RegionalFormats"), {"languageCode", "timeformat"});
-    add(QStringLiteral("BUGeneralInfo"),
-        {"BUID", "BUDesc", "TechCount", "HoursWorked", "HoursRemaining"});
-    add(QStringLiteral("BUDetailsInfo"),
-        {"BUID", "JobType", "JobClass", "WOOpen", "WOWarning", "WOJeopardy", "WOLate",
-         "WOCompleted", "WOCanceled", "WONotDone", "PtsOpen", "PtsWarning", "PtsJeopardy",
-         "PtsLate", "PtsCompleted", "PtsCanceled", "PtsNotDone"});
+    }
     m_properties["tqDBRefreshInterval"] = QStringLiteral("15");
     m_properties["tqJeopardyThreshold"] = QStringLiteral("30");
 }
 
-QZWebTable &DLVDataBuilder::table(const QString &name)
+DLVDataBuilder &DLVDataBuilder::row(const QString &table, const QStringList &values)
 {
-    return m_tables.at(name);
-}
-
-DLVDataBuilder &DLVDataBuilder::unit(const QString &id, const QString &desc, const QString &parent)
-{
-    table("BusinessUnits").appendRow({id, desc, parent});
-    return *this;
-}
-
-DLVDataBuilder &DLVDataBuilder::jobType(const QString &code, const QString &desc)
-{
-    table("JobTypes").appendRow({code, desc});
-    return *this;
-}
-
-DLVDataBuilder &DLVDataBuilder::jobClass(const QString &code, const QString &desc)
-{
-    table("JobClasses").appendRow({code, desc});
-    return *this;
-}
-
-DLVDataBuilder &DLVDataBuilder::format(const QString &language, const QString &timeFormat)
-{
-    table("RegionalFormats").appendRow({language, timeFormat});
-    return *this;
-}
-
-DLVDataBuilder &DLVDataBuilder::general(const QString &id, const QString &desc,
-                                        const QString &techCount, const QString &hoursWorked,
-                                        const QString &hoursRemaining)
-{
-    table("BUGeneralInfo").appendRow({id, desc, techCount, hoursWorked, hoursRemaining});
+    m_tables.at(table).appendRow(values);
     return *this;
 }
 
 DLVDataBuilder &DLVDataBuilder::detail(const QString &id, const QString &jobType,
                                        const QString &jobClass, const QStringList &counters)
 {
-    QStringList row{id, jobType, jobClass};
+    QStringList values{id, jobType, jobClass};
     for (int s = 0; s < 14; ++s)
-        row << (s < counters.size() ? counters[s] : QStringLiteral("0"));
-    table("BUDetailsInfo").appendRow(row);
-    return *this;
+        values << (s < counters.size() ? counters[s] : QStringLiteral("0"));
+    return row(QStringLiteral("BUDetailsInfo"), values);
 }
 
 DLVDataBuilder &DLVDataBuilder::detailAt(const QString &id, const QString &jobType,
                                          const QString &jobClass, int index, const QString &value)
 {
-    QStringList counters;
-    for (int s = 0; s < 14; ++s)
-        counters << (s == index ? value : QStringLiteral("0"));
+    QStringList counters(14, QStringLiteral("0"));
+    counters[index] = value;
     return detail(id, jobType, jobClass, counters);
 }
 
@@ -93,9 +60,9 @@ DLVDataBuilder &DLVDataBuilder::withoutTable(const QString &name)
 
 DLVDataBuilder &DLVDataBuilder::withoutColumn(const QString &name, const QString &column)
 {
-    const QZWebTable &old = table(name);
-    QStringList columns = old.columns();
+    const QZWebTable &old = m_tables.at(name);
     const int drop = old.requireColumn(column);
+    QStringList columns = old.columns();
     columns.removeAt(drop);
     QZWebTable reduced(name, columns);
     for (int r = 1; r <= old.rowCount(); ++r) {

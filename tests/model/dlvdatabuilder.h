@@ -17,12 +17,30 @@ class DLVDataBuilder
 public:
     DLVDataBuilder();
 
-    DLVDataBuilder &unit(const QString &id, const QString &desc, const QString &parent);
-    DLVDataBuilder &jobType(const QString &code, const QString &desc);
-    DLVDataBuilder &jobClass(const QString &code, const QString &desc);
-    DLVDataBuilder &format(const QString &language, const QString &timeFormat);
-    DLVDataBuilder &general(const QString &id, const QString &desc, const QString &techCount,
-                            const QString &hoursWorked, const QString &hoursRemaining);
+    DLVDataBuilder &unit(const QString &id, const QString &desc, const QString &parent)
+    {
+        return row(QStringLiteral("BusinessUnits"), {id, desc, parent});
+    }
+    DLVDataBuilder &jobType(const QString &code, const QString &desc)
+    {
+        return row(QStringLiteral("JobTypes"), {code, desc});
+    }
+    DLVDataBuilder &jobClass(const QString &code, const QString &desc)
+    {
+        return row(QStringLiteral("JobClasses"), {code, desc});
+    }
+    DLVDataBuilder &format(const QString &language, const QString &timeFormat)
+    {
+        return row(QStringLiteral("RegionalFormats"), {language, timeFormat});
+    }
+    DLVDataBuilder &general(const QString &id, const QString &desc = QStringLiteral("Unit"),
+                            const QString &techCount = QStringLiteral("1"),
+                            const QString &hoursWorked = QStringLiteral("1"),
+                            const QString &hoursRemaining = QStringLiteral("1"))
+    {
+        return row(QStringLiteral("BUGeneralInfo"),
+                   {id, desc, techCount, hoursWorked, hoursRemaining});
+    }
     /// A detail row; counters are given from index 0 on and the rest are "0".
     DLVDataBuilder &detail(const QString &id, const QString &jobType, const QString &jobClass,
                            const QStringList &counters = {});
@@ -38,7 +56,7 @@ public:
     [[nodiscard]] QVariant variant() const;
 
 private:
-    QZWebTable &table(const QString &name);
+    DLVDataBuilder &row(const QString &table, const QStringList &values);
 
     QString m_name = QStringLiteral("DLVData");
     std::map<QString, QZWebTable> m_tables;

@@ -1,11 +1,11 @@
 // The two profile dialogs, driven as a user would: keys, clicks, double-clicks, Enter, Escape.
 // Their message boxes and the nested new-profile prompt are answered by a recording host,
 // except in the end-to-end test, which opens the real nested dialog.
-#include "modal.h"
 #include "profiles/frmnewprofile.h"
 #include "profiles/frmprofiles.h"
 #include "profiles/profiledialoghost.h"
 #include "qtprinters.h"
+#include "support/modaldriver.h"
 #include "support/recordingdialoghost.h"
 #include "ui/captioncatalogue.h"
 

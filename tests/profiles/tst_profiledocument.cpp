@@ -167,43 +167,26 @@ TEST_F(Document, SaveWithoutTheSectionsIsReportedAndKeepsWhatWasWritten)
     EXPECT_FALSE(host.hourglass);
 }
 
-struct OptionCase
+TEST_F(Document, OptionsAreReadInAnyLetterCaseAndBadOnesReported)
 {
-    const char *name;
-    const char *summary;
-    const char *display;
-    bool summaryFirst;
-    bool displayFirst;
-};
-
-class Options : public Document, public ::testing::WithParamInterface<OptionCase>
-{};
-
-TEST_P(Options, AreReadInAnyLetterCase)
-{
-    const OptionCase &c = GetParam();
-    current([&](QZWebProfile &p) {
-        select(p, {}, QString::fromUtf8(c.summary), QString::fromUtf8(c.display));
-    });
-    host.summary = !c.summaryFirst;
-    host.display = !c.displayFirst;
-    doc().LoadProfileSettings();
-    EXPECT_EQ(host.summary, c.summaryFirst);
-    EXPECT_EQ(host.display, c.displayFirst);
+    const struct
+    {
+        const char *summary, *display;
+        bool summaryFirst, displayFirst;
+    } rows[] = {{"FALSE", "false", false, false},
+                {"", "", true, true}, // empty means the first option
+                {"tRUE", "False", true, false},
+                {"0", "-1", false, true}};
+    for (const auto &r : rows) {
+        SCOPED_TRACE(testing::Message() << r.summary << " " << r.display);
+        current([&](QZWebProfile &p) { select(p, {}, r.summary, r.display); });
+        host.summary = !r.summaryFirst;
+        host.display = !r.displayFirst;
+        doc().LoadProfileSettings();
+        EXPECT_EQ(host.summary, r.summaryFirst);
+        EXPECT_EQ(host.display, r.displayFirst);
+    }
     EXPECT_TRUE(host.reporter.reports.empty());
-}
-
-INSTANTIATE_TEST_SUITE_P(Document, Options,
-                         ::testing::Values(OptionCase{"TrueTrue", "True", "True", true, true},
-                                           OptionCase{"lowerFalse", "false", "false", false, false},
-                                           OptionCase{"upperFalse", "FALSE", "FALSE", false, false},
-                                           OptionCase{"emptyMeansFirst", "", "", true, true},
-                                           OptionCase{"mixed", "tRUE", "False", true, false},
-                                           OptionCase{"numbers", "0", "-1", false, true}),
-                         [](const auto &info) { return std::string(info.param.name); });
-
-TEST_F(Document, AnUnreadableOptionIsReported)
-{
     current([](QZWebProfile &p) { select(p, {}, QStringLiteral("maybe"), {}); });
     doc().LoadProfileSettings();
     ASSERT_EQ(host.reporter.reports.size(), 1u);
@@ -211,36 +194,25 @@ TEST_F(Document, AnUnreadableOptionIsReported)
     EXPECT_EQ(host.reporter.reports[0].location, QStringLiteral("DLViewer.LoadProfileSettings"));
 }
 
-struct SelectionCase
+TEST_F(Document, SelectionFollowsBUList)
 {
-    const char *name;
-    const char *buList;
-    QStringList expected; // selected keys
-};
-
-class Selection : public Document, public ::testing::WithParamInterface<SelectionCase>
-{};
-
-TEST_P(Selection, FollowsBUList)
-{
-    const SelectionCase &c = GetParam();
-    current([&](QZWebProfile &p) { select(p, QString::fromUtf8(c.buList), {}, {}); });
-    items({QStringLiteral("10"), QStringLiteral("12"), QStringLiteral("40"), QStringLiteral("7")});
-    host.items[3].selected = true; // whatever was selected before goes
-    doc().LoadProfileSettings();
-    EXPECT_EQ(host.selectedKeys(), c.expected);
+    const std::pair<const char *, QStringList> rows[] = {
+        {"40|10", {"_10", "_40"}}, // order does not matter
+        {"99|98", {"_10"}},        // vanished units select the first
+        {"", {"_10"}},
+        {"1|4", {"_10"}}, // ids compare exactly
+        {"99|7", {"_7"}}};
+    for (const auto &[buList, expected] : rows) {
+        SCOPED_TRACE(buList);
+        current([&](QZWebProfile &p) { select(p, buList, {}, {}); });
+        items({QStringLiteral("10"), QStringLiteral("12"), QStringLiteral("40"),
+               QStringLiteral("7")});
+        host.items[1].selected = true; // whatever was selected before goes
+        doc().LoadProfileSettings();
+        EXPECT_EQ(host.selectedKeys(), expected);
+    }
     EXPECT_TRUE(host.reporter.reports.empty());
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Document, Selection,
-    ::testing::Values(SelectionCase{"listed", "12|40", {"_12", "_40"}},
-                      SelectionCase{"orderDoesNotMatter", "40|10", {"_10", "_40"}},
-                      SelectionCase{"vanishedUnitsSelectTheFirst", "99|98", {"_10"}},
-                      SelectionCase{"emptySelectsTheFirst", "", {"_10"}},
-                      SelectionCase{"idsCompareExactly", "1|4", {"_10"}},
-                      SelectionCase{"someVanished", "99|7", {"_7"}}),
-    [](const auto &info) { return std::string(info.param.name); });
 
 TEST_F(Document, ARepeatedUnitIsReportedBeforeTheSelectionChanges)
 {
@@ -303,59 +275,35 @@ TEST_F(Document, LoadingRestoresTheHierarchyNodesOnlyOnceTheGridsAreFilled)
                                          "expand 2", "collapse 2 #"}));
 }
 
-struct RestoreCase
+TEST_F(Document, RestoreAppliesOnlyExactlyThreeRows)
 {
-    const char *name;
-    QList<QStringList> rows; // empty list with noSection: no section at all
-    bool noSection;
-    QStringList log;
-};
-
-class Restore : public Document, public ::testing::WithParamInterface<RestoreCase>
-{};
-
-TEST_P(Restore, AppliesOnlyExactlyThreeRows)
-{
-    const RestoreCase &c = GetParam();
-    current([&](QZWebProfile &p) {
-        if (!c.noSection)
-            nodes(p, c.rows);
-    });
+    const struct
+    {
+        QList<QStringList> rows;
+        QStringList log;
+    } cases[] = {
+        {{{"JobTypes", ""}, {"  BUWorkOrders ", "#"}, {"BUPoints", ""}}, // id trimmed
+         {"expand 1", "expand 1", "collapse 1 #"}},
+        {{{"BUWorkOrders", "7"}, {"JobTypes", ""}, {"BUPoints", ""}}, // any row order
+         {"expand 1", "expand 1", "collapse 1 7"}},
+        {{{"JobTypes", ""}, {"buworkorders", "7"}, {"BUPoints", ""}}, {"expand 1"}}, // exact id
+        {{{"JobTypes", "A"}, {"BUWorkOrders", "10"}}, {"expand 1"}},
+        {{{"JobTypes", ""}, {"BUWorkOrders", "10"}, {"BUPoints", ""}, {"X", ""}}, {"expand 1"}},
+        {{{"JobTypes", ""}, {"BUWorkOrders", ""}, {"BUPoints", ""}}, {"expand 1"}},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.rows.size());
+        current([&](QZWebProfile &p) { nodes(p, c.rows); });
+        host.gridLog.clear();
+        doc().RestoreNodes(QStringLiteral("BUWorkOrders"), 1);
+        EXPECT_EQ(host.gridLog, c.log);
+    }
+    current(); // no section at all
+    host.gridLog.clear();
     doc().RestoreNodes(QStringLiteral("BUWorkOrders"), 1);
-    EXPECT_EQ(host.gridLog, c.log);
+    EXPECT_EQ(host.gridLog, QStringList{"expand 1"});
     EXPECT_TRUE(host.reporter.reports.empty());
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Document, Restore,
-    ::testing::Values(
-        RestoreCase{"three",
-                    {{"JobTypes", "A"}, {"BUWorkOrders", "10|11"}, {"BUPoints", "#"}},
-                    false,
-                    {"expand 1", "expand 1", "collapse 1 10|11"}},
-        RestoreCase{"idTrimmed",
-                    {{"JobTypes", ""}, {"  BUWorkOrders ", "#"}, {"BUPoints", ""}},
-                    false,
-                    {"expand 1", "expand 1", "collapse 1 #"}},
-        RestoreCase{"anyRowOrder",
-                    {{"BUWorkOrders", "7"}, {"JobTypes", ""}, {"BUPoints", ""}},
-                    false,
-                    {"expand 1", "expand 1", "collapse 1 7"}},
-        RestoreCase{"idComparedExactly",
-                    {{"JobTypes", ""}, {"buworkorders", "7"}, {"BUPoints", ""}},
-                    false,
-                    {"expand 1"}},
-        RestoreCase{"two", {{"JobTypes", "A"}, {"BUWorkOrders", "10"}}, false, {"expand 1"}},
-        RestoreCase{"four",
-                    {{"JobTypes", ""}, {"BUWorkOrders", "10"}, {"BUPoints", ""}, {"X", ""}},
-                    false,
-                    {"expand 1"}},
-        RestoreCase{"none", {}, true, {"expand 1"}},
-        RestoreCase{"emptyListKeepsTheExpandedGrid",
-                    {{"JobTypes", ""}, {"BUWorkOrders", ""}, {"BUPoints", ""}},
-                    false,
-                    {"expand 1"}}),
-    [](const auto &info) { return std::string(info.param.name); });
 
 TEST_F(Document, ARepeatedNodeKeyIsReportedAndTheGridUntouched)
 {

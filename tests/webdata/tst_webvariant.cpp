@@ -1,56 +1,29 @@
 #include "webdata/webvariant.h"
 
-#include <QDate>
 #include <QStringList>
-#include <functional>
 #include <gtest/gtest.h>
-#include <ostream>
 
-struct TypeNameCase
+TEST(WebVariant, NamesTheRunTimeType)
 {
-    const char *name;
-    std::function<QVariant()> make;
-    const char *expected;
-};
-
-inline void PrintTo(const TypeNameCase &c, std::ostream *os)
-{
-    *os << c.name;
+    const struct
+    {
+        QVariant value;
+        const char *expected;
+    } rows[] = {
+        {WebVariant::wrap(std::make_shared<QZWebMessage>()), "QZWebMessage"},
+        {WebVariant::wrap(std::make_shared<QZWebData>()), "QZWebData"},
+        {WebVariant::wrap(std::make_shared<QZWebTable>()), "QZWebTable"},
+        {WebVariant::wrap(std::make_shared<QZWebProfiles>()), "QZWebProfiles"},
+        {WebVariant::wrap(std::make_shared<QZWebProfile>()), "QZWebProfile"},
+        {WebVariant::wrap(std::shared_ptr<QZWebTable>()), "Nothing"},
+        {QVariant(QString()), "String"},
+        {QVariant(), "Empty"},
+        {QVariant(42), "int"},
+        {QVariant(QStringList()), "QStringList"},
+    };
+    for (const auto &r : rows)
+        EXPECT_EQ(WebVariant::typeName(r.value), QLatin1String(r.expected)) << r.expected;
 }
-
-class WebVariantTypeName : public ::testing::TestWithParam<TypeNameCase>
-{};
-
-TEST_P(WebVariantTypeName, NamesTheRunTimeType)
-{
-    EXPECT_EQ(WebVariant::typeName(GetParam().make()), QLatin1String(GetParam().expected));
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, WebVariantTypeName,
-    ::testing::Values(
-        TypeNameCase{"Message", [] { return WebVariant::wrap(std::make_shared<QZWebMessage>()); },
-                     "QZWebMessage"},
-        TypeNameCase{"Data", [] { return WebVariant::wrap(std::make_shared<QZWebData>()); },
-                     "QZWebData"},
-        TypeNameCase{"Table", [] { return WebVariant::wrap(std::make_shared<QZWebTable>()); },
-                     "QZWebTable"},
-        TypeNameCase{"ProfileSet",
-                     [] { return WebVariant::wrap(std::make_shared<QZWebProfiles>()); },
-                     "QZWebProfiles"},
-        TypeNameCase{"Profile", [] { return WebVariant::wrap(std::make_shared<QZWebProfile>()); },
-                     "QZWebProfile"},
-        TypeNameCase{"NullMessage",
-                     [] { return WebVariant::wrap(std::shared_ptr<QZWebMessage>()); }, "Nothing"},
-        TypeNameCase{"NullTable", [] { return WebVariant::wrap(std::shared_ptr<QZWebTable>()); },
-                     "Nothing"},
-        TypeNameCase{"String", [] { return QVariant(QStringLiteral("<WebData>")); }, "String"},
-        TypeNameCase{"EmptyString", [] { return QVariant(QString()); }, "String"},
-        TypeNameCase{"Invalid", [] { return QVariant(); }, "Empty"},
-        TypeNameCase{"Int", [] { return QVariant(42); }, "int"},
-        TypeNameCase{"Bool", [] { return QVariant(true); }, "bool"},
-        TypeNameCase{"StringList", [] { return QVariant(QStringList()); }, "QStringList"}),
-    [](const auto &info) { return std::string(info.param.name); });
 
 TEST(WebVariant, UnwrapGivesTheObjectOnlyForItsOwnType)
 {

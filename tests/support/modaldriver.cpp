@@ -1,8 +1,9 @@
-#include "modaldriver.h"
+#include "support/modaldriver.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QPixmap>
+#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 #include <gtest/gtest.h>
@@ -13,11 +14,12 @@ namespace {
 // Generous: a dialog is normally there on the first turn after exec() starts its loop.
 constexpr int MaxTurns = 1000;
 
-void poll(std::shared_ptr<std::function<void(QWidget *)>> action, int turnsLeft)
+void poll(std::shared_ptr<std::function<void(QWidget *)>> action, QPointer<QWidget> except,
+          int turnsLeft)
 {
-    QTimer::singleShot(0, [action, turnsLeft] {
+    QTimer::singleShot(0, [action, except, turnsLeft] {
         QWidget *dialog = QApplication::activeModalWidget();
-        if (dialog && dialog->isVisible()) {
+        if (dialog && dialog->isVisible() && dialog != except.data()) {
             (*action)(dialog);
             return;
         }
@@ -25,15 +27,15 @@ void poll(std::shared_ptr<std::function<void(QWidget *)>> action, int turnsLeft)
             ADD_FAILURE() << "no modal dialog appeared";
             return;
         }
-        poll(action, turnsLeft - 1);
+        poll(action, except, turnsLeft - 1);
     });
 }
 
 } // namespace
 
-void onNextModal(std::function<void(QWidget *dialog)> action)
+void onNextModal(std::function<void(QWidget *dialog)> action, QWidget *except)
 {
-    poll(std::make_shared<std::function<void(QWidget *)>>(std::move(action)), MaxTurns);
+    poll(std::make_shared<std::function<void(QWidget *)>>(std::move(action)), except, MaxTurns);
 }
 
 bool saveScreenshot(QWidget *widget, const QString &name)
