@@ -6,6 +6,7 @@
 #include <optional>
 
 class CaptionCatalogue;
+class QPrinter;
 class QWidget;
 
 /// The events of the manage-profiles dialog, each carrying the profile name. The control turns
@@ -18,8 +19,9 @@ struct ProfileDialogEvents
 };
 
 /// The one seam through which the control shows anything modal: the error dialog, the about box,
-/// message boxes and the two profile dialogs. The control holds one DialogHost; the real one
-/// (WidgetDialogHost) opens windows, a test's records the calls and answers from a script.
+/// message boxes, the two profile dialogs and the save and print dialogs of the toolbar. The
+/// control holds one DialogHost; the real one (WidgetDialogHost) opens windows, a test's records
+/// the calls and answers from a script.
 ///
 /// Every call returns when the user has closed what it showed. owner is the control's main frame
 /// (or nothing): dialogs disable it while shown and re-enable it when they close. captions may be
@@ -70,4 +72,17 @@ public:
     virtual void manageProfiles(const QStringList &names, const QString &currentName,
                                 const CaptionCatalogue *captions, QWidget *owner,
                                 const ProfileDialogEvents &events) = 0;
+
+    /// The save-file dialog: starts in initialFolder (the current folder when empty) with no file
+    /// name, offers the one filter (for example "Comma-separated Files (*.csv)"), appends
+    /// defaultSuffix to a name typed without one, and asks before replacing an existing file.
+    /// Returns the chosen path, or an empty string when the user cancelled.
+    virtual QString getSaveFileName(const QString &title, const QString &initialFolder,
+                                    const QString &filter, const QString &defaultSuffix,
+                                    QWidget *owner) = 0;
+
+    /// The print dialog over printer, which the caller has preset (orientation, document name).
+    /// The user's choices (printer, orientation, copies, ...) are written into printer. Returns
+    /// true when the user chose to print.
+    virtual bool selectPrinter(QPrinter &printer, QWidget *owner) = 0;
 };

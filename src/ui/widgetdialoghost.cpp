@@ -3,10 +3,13 @@
 #include "ui/captioncatalogue.h"
 #include "ui/frmerror.h"
 #include "ui/frmgenabout.h"
+#include "ui/ownerframelock.h"
 
 #include <QAbstractButton>
+#include <QFileDialog>
 #include <QMessageBox>
 #include <QPointer>
+#include <QPrintDialog>
 
 WidgetDialogHost::~WidgetDialogHost() = default;
 
@@ -67,4 +70,40 @@ DialogHost::MessageResult WidgetDialogHost::messageBox(MessageKind kind, const Q
     if (kind != MessageKind::Question)
         return MessageResult::Ok;
     return answer == QMessageBox::Yes ? MessageResult::Yes : MessageResult::No;
+}
+
+QString WidgetDialogHost::getSaveFileName(const QString &title, const QString &initialFolder,
+                                          const QString &filter, const QString &defaultSuffix,
+                                          QWidget *owner)
+{
+    QWidget *parent = owner ? owner->window() : nullptr;
+    const OwnerFrameLock lock(owner);
+    QPointer<QFileDialog> dialog = new QFileDialog(parent, title, initialFolder, filter);
+    dialog->setObjectName(QStringLiteral("dlgSaveFile"));
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    // Confirming before replacing a file is the dialog's default for saving; stated so it stays.
+    dialog->setOption(QFileDialog::DontConfirmOverwrite, false);
+    dialog->setDefaultSuffix(defaultSuffix);
+    const bool accepted = dialog->exec() == QDialog::Accepted;
+    const QString chosen = accepted && dialog && !dialog->selectedFiles().isEmpty()
+                               ? dialog->selectedFiles().front()
+                               : QString();
+    delete dialog.data();
+    return chosen;
+}
+
+bool WidgetDialogHost::selectPrinter(QPrinter &printer, QWidget *owner)
+{
+    QWidget *parent = owner ? owner->window() : nullptr;
+    const OwnerFrameLock lock(owner);
+    QPointer<QPrintDialog> dialog = new QPrintDialog(&printer, parent);
+    dialog->setObjectName(QStringLiteral("dlgPrint"));
+    // One grid prints as a whole: page ranges and selection do not apply.
+    dialog->setOption(QAbstractPrintDialog::PrintSelection, false);
+    dialog->setOption(QAbstractPrintDialog::PrintPageRange, false);
+    dialog->setOption(QAbstractPrintDialog::PrintCurrentPage, false);
+    const bool accepted = dialog->exec() == QDialog::Accepted;
+    delete dialog.data();
+    return accepted;
 }

@@ -2,7 +2,8 @@
 
 #include "ui/dialoghost.h"
 
-/// The DialogHost that opens real windows: frmError, frmGenAbout and QMessageBox.
+/// The DialogHost that opens real windows: frmError, frmGenAbout, QMessageBox, QFileDialog and
+/// QPrintDialog.
 ///
 /// The two profile dialogs (frmNewProfile, frmProfiles) belong to the profiles subsystem, which
 /// completes this host by overriding getNewProfile() and manageProfiles() in a subclass next to
@@ -21,4 +22,8 @@ public:
                    const QString &versionLabel, QWidget *owner) override;
     MessageResult messageBox(MessageKind kind, const QString &text, const QString &title,
                              const CaptionCatalogue *captions, QWidget *owner) override;
+    QString getSaveFileName(const QString &title, const QString &initialFolder,
+                            const QString &filter, const QString &defaultSuffix,
+                            QWidget *owner) override;
+    bool selectPrinter(QPrinter &printer, QWidget *owner) override;
 };

@@ -2,7 +2,9 @@
 
 #include "ui/dialoghost.h"
 
+#include <QPageLayout>
 #include <QPointer>
+#include <QPrinter>
 #include <QWidget>
 #include <deque>
 #include <functional>
@@ -12,7 +14,7 @@
 /// A DialogHost for tests: records every call and answers from scripts instead of opening
 /// windows. Unscripted answers are what a user pressing Escape would give: OK for information
 /// and warnings, No for questions, cancel for the new-profile prompt, close for the manage
-/// dialog.
+/// dialog, cancel for the save-file and print dialogs.
 class RecordingDialogHost final : public DialogHost
 {
 public:
@@ -22,7 +24,9 @@ public:
         About,
         Message,
         NewProfile,
-        ManageProfiles
+        ManageProfiles,
+        SaveFile,
+        Print
     };
 
     struct Call
@@ -46,6 +50,13 @@ public:
         QString titleKey;
         QStringList names;
         QString currentName;
+        // save-file dialog (title above)
+        QString folder;
+        QString filter;
+        QString defaultSuffix;
+        // print dialog: the printer's settings as the dialog opened
+        QPageLayout::Orientation orientation = QPageLayout::Portrait;
+        QString docName;
         // common
         const CaptionCatalogue *captions = nullptr;
         QPointer<QWidget> owner;
@@ -57,6 +68,11 @@ public:
     std::deque<std::optional<QString>> newProfileAnswers;
     /// Each entry plays one manage-profiles dialog: it may raise the dialog's events.
     std::deque<std::function<void(const ProfileDialogEvents &)>> manageScripts;
+    /// Answers of the save-file dialog: a path, or an empty string for cancel.
+    std::deque<QString> saveFileAnswers;
+    /// Each entry plays one print dialog: it may change the printer and returns whether the user
+    /// pressed Print.
+    std::deque<std::function<bool(QPrinter &)>> printScripts;
     /// Runs inside every call, as the user would act while the dialog is open (may be empty).
     std::function<void(const Call &)> whileShown;
 
@@ -129,6 +145,36 @@ public:
         manageScripts.pop_front();
         if (script)
             script(events);
+    }
+
+    QString getSaveFileName(const QString &title, const QString &initialFolder,
+                            const QString &filter, const QString &defaultSuffix,
+                            QWidget *owner) override
+    {
+        Call call = start(Kind::SaveFile, nullptr, owner);
+        call.title = title;
+        call.folder = initialFolder;
+        call.filter = filter;
+        call.defaultSuffix = defaultSuffix;
+        finish(std::move(call));
+        if (saveFileAnswers.empty())
+            return {};
+        const QString answer = saveFileAnswers.front();
+        saveFileAnswers.pop_front();
+        return answer;
+    }
+
+    bool selectPrinter(QPrinter &printer, QWidget *owner) override
+    {
+        Call call = start(Kind::Print, nullptr, owner);
+        call.orientation = printer.pageLayout().orientation();
+        call.docName = printer.docName();
+        finish(std::move(call));
+        if (printScripts.empty())
+            return false;
+        const auto script = std::move(printScripts.front());
+        printScripts.pop_front();
+        return script && script(printer);
     }
 
     [[nodiscard]] std::vector<Call> callsOf(Kind kind) const

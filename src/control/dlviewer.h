@@ -1,0 +1,87 @@
+#pragma once
+
+#include "control/dlvparams.h"
+
+#include <QStringList>
+#include <QVariant>
+#include <QWidget>
+
+#include <memory>
+
+class QPrinter;
+class QZWebTransport;
+class DLViewerPrivate;
+
+/// The Dashlon Viewer control. A host places it on a window, drives it through the seven methods
+/// below (in the order: Initialize, SetRegionalFormatInfo, SetSessionBUIDList, answers to the
+/// profile requests through ReceiveProfileResponse, then data through ReceiveMessage, and
+/// StopControl before it drops the control) and answers its eight request signals.
+///
+/// The signals are emitted synchronously with one by-reference argument, so a host may fill the
+/// record, or call back into the control (ReceiveProfileResponse), inside its slot; it may also
+/// answer later. Connect them with Qt::DirectConnection (the default for objects on one thread).
+///
+/// Every child control carries its original name as objectName (fraDLV, tbMain, Tabs, fraBU0,
+/// vsFlex0, lvBU, cmdView, optBU0, lblStatus, lblTechCount, ...), so hosts and tests find them
+/// with findChild.
+class DLViewer : public QWidget
+{
+    Q_OBJECT
+    // Fixed identities of the control's interfaces, kept for a later Windows export.
+    Q_CLASSINFO("DispatchInterface", "{5B0E6C1A-2F4D-4A8B-9C71-3D2E8F10A101}")
+    Q_CLASSINFO("EventInterface", "{5B0E6C1A-2F4D-4A8B-9C71-3D2E8F10A102}")
+    Q_CLASSINFO("ClassID", "{5B0E6C1A-2F4D-4A8B-9C71-3D2E8F10A103}")
+    Q_CLASSINFO("ParamsInterface", "{5B0E6C1A-2F4D-4A8B-9C71-3D2E8F10A104}")
+    Q_CLASSINFO("ParamsClassID", "{5B0E6C1A-2F4D-4A8B-9C71-3D2E8F10A105}")
+
+public:
+    explicit DLViewer(QWidget *parent = nullptr);
+    ~DLViewer() override;
+
+    /// Hands a host message to the data controller. data holds a std::shared_ptr<QZWebMessage>
+    /// (see webdata/webvariant.h); DataType must convert to a 32-bit integer and Tag to text,
+    /// otherwise DLVError(13) (or 6 for a number out of range) is thrown to the host.
+    void ReceiveMessage(QVariant &data, const QVariant &DataType, const QVariant &Tag);
+    /// Starts the control with the host's transport (language, caption overrides): captions,
+    /// layout, and the waiting status.
+    void Initialize(const std::shared_ptr<QZWebTransport> &Trans);
+    /// Releases the controller, the model and every container; call before dropping the control.
+    void StopControl();
+    /// The host's answer to a profile request; FunctionName names the request answered.
+    void ReceiveProfileResponse(QString &ResultXML, QString &FunctionName);
+    /// Lays the child controls out for the current size.
+    void ResizeControls();
+    /// The units this session may see. A repeated id throws DLVError(457) to the host; the ids
+    /// before it are kept and no profile list is requested.
+    void SetSessionBUIDList(QStringList &BUList);
+    /// The user's language code ("EN", "PO", "SP"), used for the refresh-time format.
+    void SetRegionalFormatInfo(QString &LanguageID);
+
+    // --- Extensions for hosts that automate the control (batch exports); not requests of the
+    //     original interface. Both act on the grid in view, exactly as the toolbar does, but
+    //     without asking the user.
+    /// Writes the grid in view as comma-separated UTF-8 text, header rows included. Returns
+    /// false when no grid is in view or the file cannot be written.
+    bool ExportGrid(const QString &fileName);
+    /// Prints the grid in view on an already set-up printer (a PDF printer included), with the
+    /// grid's title as document name. Returns false when no grid is in view or printing failed.
+    bool PrintGrid(QPrinter &printer);
+
+Q_SIGNALS:
+    void PostRequest(QString &Params);
+    void GetDetails(DLVParams &Params);
+    void GetProfiles(DLVParams &Params);
+    void GetProfileList(DLVParams &Params);
+    void PutProfiles(DLVParams &Params);
+    void AddProfiles(DLVParams &Params);
+    void RemoveProfiles(DLVParams &Params);
+    void SaveProfileAs(DLVParams &Params);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    friend class DLViewerPrivate;
+    friend class DLViewerTestAccess; // tests reach the private side to check what hosts cannot see
+    std::unique_ptr<DLViewerPrivate> d;
+};

@@ -1,0 +1,290 @@
+// DLViewerPrivate: the views side of the control. The fills themselves are plain classes over the
+// grid data (SummaryGrid, HierarchyGrid, CollapsedNodes, BUSelection); this file hands them the
+// model and the widgets' state, writes the panel labels, sizes and shows the grid views, and
+// keeps the order in which a data message refreshes the hierarchy, the unit list and the summary.
+
+#include "common/conversions.h"
+#include "control/dlviewer_p.h"
+#include "model/cdlvcontroller.h"
+#include "model/errortrap.h"
+#include "views/buselection.h"
+#include "views/hierarchygrid.h"
+#include "views/outlinegridview.h"
+#include "views/panellayout.h"
+#include "views/panelvalues.h"
+#include "views/summarygrid.h"
+
+#include <QFrame>
+#include <QItemSelection>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTabBar>
+#include <QTreeWidget>
+#include <cmath>
+#include <QElapsedTimer>
+#include <cstdio>
+
+namespace {
+
+const QString kShowBUs = QStringLiteral("DLViewer.ShowBUs");
+const QString kFillHierarchy = QStringLiteral("DLViewer.mDLV_FillBUHierarchyGrid");
+
+} // namespace
+
+void DLViewerPrivate::createGrids()
+{
+    for (int i = 0; i < 3; ++i) {
+        // The summary grid lives on the summary tab's frame, both hierarchy grids on the other.
+        vsFlex[i] = new OutlineGridView(fraBU[i == 0 ? 0 : 1]);
+        vsFlex[i]->setObjectName(QStringLiteral("vsFlex%1").arg(i));
+        vsFlex[i]->setGrid(&grids[i]);
+    }
+    vsFlex[2]->setVisible(false);
+
+    QObject::connect(Tabs, &QTabBar::currentChanged, q, [this](int) { Tabs_Click(); });
+    for (int i = 0; i < 2; ++i) {
+        // Setting an option from code (profiles, first layout) switches the display like a click.
+        QObject::connect(optDisplay[i], &QRadioButton::toggled, q, [this, i](bool checked) {
+            if (checked)
+                optDisplay_Click(i);
+        });
+    }
+    QObject::connect(cmdView, &QPushButton::clicked, q, [this] { cmdView_Click(); });
+}
+
+void DLViewerPrivate::InitSingleBUGrid()
+{
+    ErrorTrap::run(this, QStringLiteral("DLViewer.InitSingleBUGrid"), [&] {
+        SummaryGrid(grids[0]).InitSingleBUGrid([this](const QString &key) { return caption(key); },
+                                               twipsPerPixelX());
+    });
+}
+
+void DLViewerPrivate::InitBUHierarchyGrid(int index)
+{
+    ErrorTrap::run(this, QStringLiteral("DLViewer.InitBUHierarchyGrid"), [&] {
+        if (index < 1 || index > 2)
+            throw DLVError::subscriptOutOfRange(QStringLiteral("grid %1").arg(index));
+        HierarchyGrid::InitBUHierarchyGrid(
+            grids[std::size_t(index)], index, [this](const QString &key) { return caption(key); },
+            twipsPerPixelX());
+    });
+}
+
+void DLViewerPrivate::FitGridHeight(int index)
+{
+    if (index < 0 || index > 2 || !vsFlex[std::size_t(index)])
+        return;
+    OutlineGridView *view = vsFlex[std::size_t(index)];
+    const double p = twipsPerPixelY();
+    const double twips = SummaryGrid::FitGridHeight(grids[std::size_t(index)], view->y() * p,
+                                                    fraBU[0]->height() * p, p);
+    view->resize(view->width(), std::max(0, int(std::lround(twips / p))));
+}
+
+void DLViewerPrivate::setGridColumnWidths(double widthTwips)
+{
+    // Widths are whole twips; below the minimum width the grids keep the minimum's widths and
+    // scroll rather than squeeze.
+    const PanelLayout::Result r = PanelLayout::compute(widthTwips, 0, twipsPerPixelX());
+    OutlineGrid &summary = grids[0];
+    // No redraw suspension here: resuming would reset the views' models on every resize, while a
+    // width change only re-lays the header.
+    if (summary.colCount() == PanelLayout::kSummaryColumns) {
+        for (int c = 0; c < PanelLayout::kSummaryColumns; ++c)
+            summary.setColWidth(c, Conv::toLong(r.summaryColumnWidths[std::size_t(c)]));
+    }
+    for (std::size_t i = 1; i <= 2; ++i) {
+        OutlineGrid &grid = grids[i];
+        if (grid.colCount() != PanelLayout::kHierarchyColumns)
+            continue;
+        for (int c = 0; c < PanelLayout::kHierarchyColumns; ++c)
+            grid.setColWidth(c, Conv::toLong(r.hierarchyColumnWidths[std::size_t(c)]));
+    }
+}
+
+void DLViewerPrivate::writePanel(const PanelValues &panel)
+{
+    QLabel *const labels[PanelValues::FigureCount] = {
+        lblTechCount,   lblHrsWorked,     lblHrsRemaining, lblWODone,
+        lblWOOpen,      lblPtsDone,       lblPtsOpen,      lblWOsPerHrToday,
+        lblWOsPerHrReq, lblPtsPerHrToday, lblPtsPerHrReq};
+    for (int i = 0; i < PanelValues::FigureCount; ++i)
+        labels[i]->setText(panel.text(i));
+}
+
+void DLViewerPrivate::mDLV_FillSingleBUGrid(BusinessUnits &bus)
+{
+    if (!ProfileSettingsLoaded)
+        LoadProfileSettings();
+    ShowBUs(bus);
+    ProfileSettingsLoaded = true;
+    summaryGridFilled = true;
+}
+
+void DLViewerPrivate::ShowBUs(BusinessUnits &bus)
+{
+    if (!mDLV)
+        return;
+    PanelValues panel;
+    const bool done = ErrorTrap::run(this, kShowBUs, [&] {
+        mDLV->SingleBUGridBusy = true;
+        if (lvBU->topLevelItemCount() > 0) {
+            currentSelection = mDLV->GetBUList();
+            currentBUSet = optBU[0]->isChecked() ? currentSelection : mDLV->GetAggregateBUList();
+        }
+        lastFillSingleMode = optBU[0]->isChecked();
+        if (!collapsedLists[0])
+            collapsedLists[0] = std::make_unique<StringSet>();
+        if (summaryGridFilled)
+            SaveCollapsedList(0, *collapsedLists[0]);
+        {
+            OutlineGrid::RedrawSuspender suspend(grids[0]);
+            SummaryGrid(grids[0]).ShowBUs(bus, currentBUSet, mDLV->JobTypeDescriptions(),
+                                          mDLV->JobClassDescriptions(),
+                                          caption(QStringLiteral("Total")), panel, this);
+            writePanel(panel);
+            FitGridHeight(0);
+            if (Tabs->currentIndex() == 0)
+                vsFlex[0]->setVisible(true);
+            if (summaryGridFilled)
+                RestoreCollapsedList(0, *collapsedLists[0]);
+            else
+                RestoreNodes(QStringLiteral("JobTypes"), 0);
+        }
+        mDLV->SingleBUGridBusy = false;
+        EnableDataControls(true);
+    });
+    if (!done) {
+        // The panel shows what was summed before the failure; a stuck busy flag would make the
+        // controller drop every later data message.
+        writePanel(panel);
+        if (mDLV)
+            mDLV->SingleBUGridBusy = false;
+    }
+}
+
+void DLViewerPrivate::mDLV_FillBUHierarchyGrid(BusinessUnits &bus)
+{
+    if (!mDLV)
+        return;
+    const bool done = ErrorTrap::run(this, kFillHierarchy, [&] {
+        mDLV->HierarchyGridBusy = true;
+        for (std::size_t i = 1; i <= 2; ++i) {
+            if (!collapsedLists[i])
+                collapsedLists[i] = std::make_unique<StringSet>();
+        }
+        if (hierarchyGridFilled) {
+            SaveCollapsedList(1, *collapsedLists[1]);
+            SaveCollapsedList(2, *collapsedLists[2]);
+        }
+        {
+            OutlineGrid::RedrawSuspender suspendWorkOrders(grids[1]);
+            OutlineGrid::RedrawSuspender suspendPoints(grids[2]);
+            HierarchyGrid::Fill(grids[1], grids[2], *mDLV, bus, currentSelection);
+            FitGridHeight(1);
+            FitGridHeight(2);
+            if (hierarchyGridFilled) {
+                RestoreCollapsedList(1, *collapsedLists[1]);
+                RestoreCollapsedList(2, *collapsedLists[2]);
+            } else {
+                RestoreNodes(QStringLiteral("BUWorkOrders"), 1);
+                RestoreNodes(QStringLiteral("BUPoints"), 2);
+            }
+        }
+        hierarchyGridFilled = true;
+        LoadBUListView();
+        mDLV->HierarchyGridBusy = false;
+        mDLV_FillSingleBUGrid(bus);
+    });
+    if (!done && mDLV) {
+        // The summary fill that would clear its own flag does not run after a failure here.
+        mDLV->HierarchyGridBusy = false;
+        mDLV->SingleBUGridBusy = false;
+    }
+}
+
+void DLViewerPrivate::LoadBUListView()
+{
+    if (!mDLV)
+        return;
+    QElapsedTimer T; T.start();
+    const StringSet kept = mDLV->GetBUList();
+    fprintf(stderr, "L get %.1f\n", T.nsecsElapsed()/1e6);
+    static const StringSet noSession;
+    const std::vector<BUSelection::Item> items = BUSelection::listItems(
+        grids[1], sessionBUs ? *sessionBUs : noSession, mDLV->BUDescriptions());
+
+    fprintf(stderr, "L items %.1f\n", T.nsecsElapsed()/1e6);
+    lvBU->clear();
+    fprintf(stderr, "L clear %.1f\n", T.nsecsElapsed()/1e6);
+    lvBU->setColumnCount(1);
+    lvBU->setColumnWidth(0, std::max(0, lvBU->width() - 21));
+    QList<QTreeWidgetItem *> widgets;
+    widgets.reserve(qsizetype(items.size()));
+    for (const BUSelection::Item &item : items) {
+        auto *widget = new QTreeWidgetItem(QStringList{item.text});
+        widget->setData(0, Qt::UserRole, item.key);
+        widgets.push_back(widget);
+    }
+    lvBU->addTopLevelItems(widgets); // the list view takes ownership
+    fprintf(stderr, "L add %.1f\n", T.nsecsElapsed()/1e6);
+
+    // The user's choice survives a refresh: reselect the ids that were selected, one range per
+    // run of neighbours (one selection change however long the list).
+    QItemSelection selection;
+    const QAbstractItemModel *model = lvBU->model();
+    int runStart = -1;
+    const int count = int(items.size());
+    for (int i = 0; i <= count; ++i) {
+        const bool selected =
+            i < count && kept.contains(QStringView(items[std::size_t(i)].key).mid(1));
+        if (selected && runStart < 0)
+            runStart = i;
+        if (!selected && runStart >= 0) {
+            selection.select(model->index(runStart, 0), model->index(i - 1, 0));
+            runStart = -1;
+        }
+    }
+    if (!selection.isEmpty())
+        lvBU->selectionModel()->select(selection, QItemSelectionModel::Select);
+    fprintf(stderr, "L sel %.1f\n", T.nsecsElapsed()/1e6);
+}
+
+void DLViewerPrivate::cmdView_Click()
+{
+    if (!mDLV)
+        return;
+    const bool singleMode = optBU[0]->isChecked();
+    if (singleMode != lastFillSingleMode) {
+        mDLV->FillSingleBU();
+        return;
+    }
+    const StringSet selection = mDLV->GetBUList();
+    if (BUSelection::needsRedraw(lastFillSingleMode, currentSelection, singleMode, selection))
+        mDLV->FillSingleBU();
+}
+
+void DLViewerPrivate::Tabs_Click()
+{
+    const int k = Tabs->currentIndex();
+    for (int i = 0; i < 2; ++i) {
+        QFrame *frame = fraBU[std::size_t(i)];
+        if (i == k) {
+            frame->setVisible(true);
+            frame->raise();
+        } else {
+            frame->setVisible(false);
+        }
+    }
+    Tabs->raise(); // the frames overlap the strip's lower edge by a pixel
+}
+
+void DLViewerPrivate::optDisplay_Click(int index)
+{
+    if (index != 0 && index != 1)
+        return;
+    vsFlex[1]->setVisible(index == 0);
+    vsFlex[2]->setVisible(index == 1);
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "common/ordereddict.h"
+
+#include <QString>
+#include <vector>
+
+class OutlineGrid;
+
+/// The rules behind the unit list lvBU and the View button, without widgets: which units the list
+/// offers (the session's units that the work-order hierarchy holds, in tree order) and whether a
+/// new selection calls for a redraw of the summary.
+class BUSelection
+{
+public:
+    struct Item
+    {
+        QString key;  ///< "_" followed by the unit id
+        QString text; ///< the unit's description
+    };
+
+    /// Walks the hierarchy grid's rows from row 2 in tree order and lists every row whose row data
+    /// is in the session set, with the description from the lookup (empty when it has none).
+    [[nodiscard]] static std::vector<Item> listItems(const OutlineGrid &workOrderGrid,
+                                                     const StringSet &sessionBUs,
+                                                     const StringSet &buDescriptions);
+
+    /// The id of a list key (the key less its first character).
+    [[nodiscard]] static QString idOfKey(const QString &key) { return key.mid(1); }
+
+    /// True when the summary must be redrawn: the aggregate/single mode changed, or the selection
+    /// differs in count or in its ids joined in order (so the same units in another order count
+    /// as a change).
+    [[nodiscard]] static bool needsRedraw(bool lastSingleMode, const StringSet &lastSelection,
+                                          bool singleMode, const StringSet &selection);
+
+    /// The ids of a set, each followed by "|".
+    [[nodiscard]] static QString joined(const StringSet &ids);
+};

@@ -1,0 +1,320 @@
+#include "views/hierarchygrid.h"
+
+#include "common/conversions.h"
+#include "common/dlverror.h"
+#include "model/businessunit.h"
+#include "model/businessunits.h"
+#include "model/cdlvcontroller.h"
+#include "views/summarygrid.h"
+
+#include <QStringList>
+#include <array>
+
+const QString HierarchyGrid::RootKey = QStringLiteral("#");
+
+namespace {
+
+constexpr int LastCol = HierarchyGrid::ColumnCount - 1;
+constexpr int StatusCount = 7;
+
+qint32 addCounter(qint32 a, qint32 b)
+{
+    qint32 sum = 0;
+    if (__builtin_add_overflow(a, b, &sum)) [[unlikely]]
+        throw DLVError::overflow();
+    return sum;
+}
+
+/// Figures of one row: technicians, hours remaining, hours worked, the seven work-order and the
+/// seven point counts.
+struct RowFigures
+{
+    qint32 techCount = 0;
+    qint32 hoursRemaining = 0;
+    qint32 hoursWorked = 0;
+    std::array<qint32, StatusCount> workOrders{};
+    std::array<qint32, StatusCount> points{};
+    bool reached = false;
+
+    void add(const BusinessUnit &bu)
+    {
+        techCount = addCounter(techCount, bu.TechCount());
+        hoursRemaining = addCounter(hoursRemaining, bu.HoursRemaining());
+        hoursWorked = addCounter(hoursWorked, bu.HoursWorked());
+        const auto &totals = bu.GrandTotals();
+        for (int s = 0; s < StatusCount; ++s) {
+            workOrders[std::size_t(s)] =
+                addCounter(workOrders[std::size_t(s)], totals[std::size_t(s)]);
+            points[std::size_t(s)] =
+                addCounter(points[std::size_t(s)], totals[std::size_t(s + StatusCount)]);
+        }
+        reached = true;
+    }
+};
+
+/// Completed over hours worked, both whole numbers, rounded to 2 decimals; 0 without hours.
+QString productivityText(qint32 completed, qint32 hoursWorked)
+{
+    if (hoursWorked == 0)
+        return QStringLiteral("0");
+    const double value = Conv::round2(double(completed) / double(hoursWorked));
+    return value == 0 ? QStringLiteral("0") : QString::number(value, 'g', 15);
+}
+
+void writeFigures(OutlineGrid &grid, int row, const RowFigures &f,
+                  const std::array<qint32, StatusCount> &counts)
+{
+    grid.setText(row, 1, QString::number(f.techCount));
+    grid.setText(row, 2, QString::number(f.hoursRemaining));
+    grid.setText(row, 3, QString::number(f.hoursWorked));
+    for (int s = 0; s < StatusCount; ++s)
+        grid.setText(row, 4 + s, QString::number(counts[std::size_t(s)]));
+    grid.setText(row, LastCol, productivityText(counts[4], f.hoursWorked));
+}
+
+/// Disjoint sets over the units, each set being one subtree of the forest the moves have built so
+/// far, with the subtree's top unit. A unit whose own move is still to come is always a top.
+class SubtreeSets
+{
+public:
+    explicit SubtreeSets(std::size_t n) : m_rep(n), m_top(n), m_size(n, 1)
+    {
+        for (std::size_t i = 0; i < n; ++i)
+            m_rep[i] = m_top[i] = int(i);
+    }
+
+    [[nodiscard]] int topOf(int unit) { return m_top[std::size_t(find(unit))]; }
+
+    /// Hangs the subtree topped by unit below parent's subtree.
+    void attach(int unit, int parent)
+    {
+        const int a = find(unit);
+        const int b = find(parent);
+        const int top = m_top[std::size_t(b)];
+        const int root = m_size[std::size_t(a)] > m_size[std::size_t(b)] ? a : b;
+        const int other = root == a ? b : a;
+        m_rep[std::size_t(other)] = root;
+        m_size[std::size_t(root)] += m_size[std::size_t(other)];
+        m_top[std::size_t(root)] = top;
+    }
+
+private:
+    int find(int x)
+    {
+        while (m_rep[std::size_t(x)] != x) {
+            m_rep[std::size_t(x)] = m_rep[std::size_t(m_rep[std::size_t(x)])];
+            x = m_rep[std::size_t(x)];
+        }
+        return x;
+    }
+
+    std::vector<int> m_rep;
+    std::vector<int> m_top;
+    std::vector<int> m_size;
+};
+
+} // namespace
+
+void HierarchyGrid::InitBUHierarchyGrid(OutlineGrid &grid, int index, const CaptionLookup &caption,
+                                        double twipsPerPixelX)
+{
+    OutlineGrid::RedrawSuspender suspend(grid);
+    grid.clear();
+    grid.setRowCount(0);
+    grid.setColCount(ColumnCount);
+    grid.setRowCount(2);
+    grid.setFixedRows(2);
+    for (int c = 1; c < ColumnCount; ++c)
+        grid.setColWidth(c, SummaryGrid::pixelsToTwips(63, twipsPerPixelX));
+    grid.setColWidth(0, SummaryGrid::pixelsToTwips(150, twipsPerPixelX));
+
+    grid.setBackColor(0, 0, 1, 3, OutlineGrid::fromBgr(HeaderBgr));
+    grid.setBold(0, 0, 0, LastCol, true);
+    grid.setBackColor(0, LastCol, 1, LastCol, OutlineGrid::fromBgr(ProductivityBgr));
+
+    grid.setText(0, LastCol, caption(QStringLiteral("Productivity")));
+    static const char *const keys[] = {
+        "BusinessUnits", "TechCount", "HoursRemaining", "HoursCompleted", "Open",   "Warning",
+        "Jeopardy",      "Late",      "Completed",      "Canceled",       "NotDone"};
+    for (int c = 0; c < LastCol; ++c)
+        grid.setText(1, c, caption(QString::fromLatin1(keys[c])));
+    const bool points = index == 2;
+    // The same caption over every count column: the header merges them into one band.
+    grid.setText(0, 4, 0, LastCol - 1,
+                 caption(points ? QStringLiteral("Points") : QStringLiteral("WorkOrders")));
+    grid.setText(1, LastCol,
+                 caption(points ? QStringLiteral("PtsPerHour") : QStringLiteral("WOsPerHour")));
+    grid.setBackColor(0, 4, 1, LastCol - 1, OutlineGrid::fromBgr(CountsBgr));
+    grid.setOutlineCol(0);
+    grid.setOutlineTextCol(-1);
+}
+
+void HierarchyGrid::ClearHierarchyGrids(OutlineGrid &workOrders, OutlineGrid &points)
+{
+    for (OutlineGrid *grid : {&workOrders, &points}) {
+        grid->removeSubtotals();
+        grid->setRowCount(2);
+    }
+}
+
+std::vector<OutlineGrid::TreeNode> HierarchyGrid::BuildTree(const StringSet &buDescriptions,
+                                                            const StringSet &parentBUIDs,
+                                                            const BusinessUnits &bus)
+{
+    // Units are numbered by their position in the description lookup: each has one row there.
+    const std::size_t n = std::size_t(buDescriptions.count());
+    const qsizetype rootPosition = buDescriptions.indexOf(RootKey);
+    constexpr int UnderRoot = -2; // moved under the root
+    constexpr int Stays = -1;     // never moved: stays where it was added, under the root
+    std::vector<int> parentOf(n, Stays);
+    std::vector<int> moved; // in the order of their moves
+    moved.reserve(n);
+
+    // Replay the moves. Rows are found by exact row data and an empty key finds no row, so an
+    // empty unit or parent id moves nothing; the root itself never moves (everything lies in its
+    // subtree).
+    SubtreeSets sets(n);
+    for (const auto &entry : parentBUIDs) {
+        const QString &unitId = entry.key;
+        const QString &parentId = entry.value;
+        if (unitId.isEmpty() || parentId.isEmpty() || unitId == RootKey)
+            continue;
+        const qsizetype unit = buDescriptions.indexOf(unitId);
+        if (unit < 0)
+            continue;
+        if (parentId == RootKey) {
+            parentOf[std::size_t(unit)] = UnderRoot;
+            moved.push_back(int(unit));
+            continue;
+        }
+        const qsizetype parent = buDescriptions.indexOf(parentId);
+        if (parent < 0)
+            continue;
+        // A node cannot move into its own subtree: a self-parent or a cycle leaves it put.
+        if (sets.topOf(int(parent)) == int(unit))
+            continue;
+        parentOf[std::size_t(unit)] = int(parent);
+        sets.attach(int(unit), int(parent));
+        moved.push_back(int(unit));
+    }
+
+    // Prune: a unit stays when the model holds it or when one of its units below stays. Each unit
+    // is marked once, walking up from every unit the model holds.
+    std::vector<char> keep(n, 0);
+    for (std::size_t i = 0; i < n; ++i) {
+        if (qsizetype(i) == rootPosition || !bus.Item(buDescriptions.keyAt(qsizetype(i))))
+            continue;
+        for (int x = int(i); x >= 0 && !keep[std::size_t(x)]; x = parentOf[std::size_t(x)])
+            keep[std::size_t(x)] = 1;
+    }
+
+    // Children keep their pre-sort order as the tie-break of the sort by text: the root's
+    // children that were never moved come first in lookup order, then the units moved under
+    // the root; every other node's children in the order they were moved.
+    std::vector<OutlineGrid::TreeNode> nodes;
+    nodes.reserve(n + 1);
+    const QString *rootText = buDescriptions.find(RootKey);
+    nodes.push_back({rootText ? *rootText : QString(), RootKey, -1});
+    std::vector<int> nodeOf(n, -1);
+    std::vector<int> unitOfNode{-1};
+    unitOfNode.reserve(n + 1);
+    const auto addNode = [&](std::size_t unit, int parent) {
+        nodeOf[unit] = int(nodes.size());
+        unitOfNode.push_back(int(unit));
+        const auto &entry = buDescriptions.at(qsizetype(unit));
+        nodes.push_back({entry.value, entry.key, parent});
+    };
+    for (std::size_t i = 0; i < n; ++i) {
+        if (qsizetype(i) != rootPosition && keep[i] && parentOf[i] == Stays)
+            addNode(i, 0);
+    }
+    const std::size_t firstMoved = nodes.size();
+    for (const int unit : moved) {
+        if (keep[std::size_t(unit)])
+            addNode(std::size_t(unit), 0);
+    }
+    // A parent may have moved after its children: resolve parents once every node has its index.
+    for (std::size_t k = firstMoved; k < nodes.size(); ++k) {
+        const int parent = parentOf[std::size_t(unitOfNode[k])];
+        nodes[k].parent = parent == UnderRoot ? 0 : nodeOf[std::size_t(parent)];
+    }
+    return nodes;
+}
+
+void HierarchyGrid::FillFigures(OutlineGrid &workOrders, OutlineGrid &points,
+                                cDLVController &controller, const BusinessUnits &bus,
+                                const StringSet &selection)
+{
+    std::vector<RowFigures> figures(std::size_t(workOrders.rowCount()));
+
+    // The descendants come from the controller's children index. Its listing splits ids that
+    // hold a comma into pieces; only then is the general GetBUIDList() needed.
+    const BUHierarchy &hierarchy = controller.Hierarchy();
+    bool commaInIds = false;
+    for (int u = 0; u < hierarchy.count() && !commaInIds; ++u)
+        commaInIds = hierarchy.id(u).contains(u',');
+    std::vector<const BusinessUnit *> unitOf(std::size_t(hierarchy.count()), nullptr);
+    std::vector<char> looked(std::size_t(hierarchy.count()), 0);
+    std::vector<int> walk;
+
+    for (const auto &entry : selection) {
+        const int row = workOrders.findRow(entry.key);
+        if (row < 0)
+            continue;
+        RowFigures &f = figures[std::size_t(row)];
+        if (commaInIds || entry.key.contains(u',')) {
+            for (const auto &id : controller.GetBUIDList(entry.key)) {
+                if (const BusinessUnit *bu = bus.Item(id.key))
+                    f.add(*bu);
+            }
+            continue;
+        }
+        if (const BusinessUnit *bu = bus.Item(entry.key))
+            f.add(*bu);
+        walk.clear();
+        hierarchy.appendDescendants(entry.key, walk);
+        for (const int unit : walk) {
+            if (!looked[std::size_t(unit)]) {
+                unitOf[std::size_t(unit)] = bus.Item(hierarchy.id(unit));
+                looked[std::size_t(unit)] = 1;
+            }
+            if (const BusinessUnit *bu = unitOf[std::size_t(unit)])
+                f.add(*bu);
+        }
+    }
+
+    for (std::size_t row = 0; row < figures.size(); ++row) {
+        const RowFigures &f = figures[row];
+        if (!f.reached)
+            continue;
+        writeFigures(workOrders, int(row), f, f.workOrders);
+        writeFigures(points, int(row), f, f.points);
+    }
+}
+
+void HierarchyGrid::GreyUnreached(OutlineGrid &grid)
+{
+    const QColor grey = OutlineGrid::fromBgr(UnreachedBgr);
+    for (int row = 2; row < grid.rowCount(); ++row) {
+        if (grid.text(row, 1).isEmpty())
+            grid.setBackColor(row, 0, row, LastCol, grey);
+    }
+}
+
+void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, cDLVController &controller,
+                         const BusinessUnits &bus, const StringSet &selection)
+{
+    OutlineGrid::RedrawSuspender suspendWorkOrders(workOrders);
+    OutlineGrid::RedrawSuspender suspendPoints(points);
+    ClearHierarchyGrids(workOrders, points);
+    const std::vector<OutlineGrid::TreeNode> nodes =
+        BuildTree(controller.BUDescriptions(), controller.ParentBUIDs(), bus);
+    for (OutlineGrid *grid : {&workOrders, &points}) {
+        grid->appendTree(nodes, 0, 0, true);
+        if (grid->rowCount() > 1)
+            grid->setBold(1, 0, grid->rowCount() - 1, 0, true);
+    }
+    FillFigures(workOrders, points, controller, bus, selection);
+    GreyUnreached(workOrders);
+    GreyUnreached(points);
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "common/ordereddict.h"
+#include "views/outlinegrid.h"
+
+#include <QString>
+#include <functional>
+#include <vector>
+
+class BusinessUnits;
+class cDLVController;
+
+/// The business-unit hierarchy grids (elements 1, work orders, and 2, points) over their grid
+/// data, without widgets: an outline tree of the units under the root "#", each unit under its
+/// parent, with each row showing the figures of the selected units that reach it.
+///
+/// Layout: 12 columns, rows 0 and 1 are the fixed header rows, row 2 is the root (row data "#"),
+/// unit rows follow in tree order with their BUID as row data. Column 0 holds the tree, 1 to 3
+/// technicians and hours, 4 to 10 the seven status counts, 11 the productivity (completed over
+/// hours worked).
+///
+/// The tree equals the one the long-standing step-by-step procedure gives (every unit under the
+/// root in description-lookup order, then each unit moved under its parent in parent-lookup order,
+/// childless units the model lacks pruned bottom-up, children sorted by text), but it is built
+/// directly: parents are resolved once, the moves are replayed with a disjoint-set forest, and the
+/// grid receives the finished tree in one bulk append. Linear apart from the sort.
+///
+/// Bad parent data: a unit whose parent has no row stays under the root. A unit whose parent lies
+/// in its own subtree at the time of its move (it is its own parent, or the move would close a
+/// cycle through units moved under it before) cannot be moved there and also stays under the
+/// root, with the units already moved under it.
+class HierarchyGrid
+{
+public:
+    static constexpr int ColumnCount = 12;
+    static constexpr quint32 HeaderBgr = 0xD9FCFD;
+    static constexpr quint32 CountsBgr = 0xFAFDC6;
+    static constexpr quint32 ProductivityBgr = 0xE4FEE3;
+    static constexpr quint32 UnreachedBgr = 0xD0D0D0;
+    /// Row data of the root row, and the description lookup's key of its text.
+    static const QString RootKey;
+
+    using CaptionLookup = std::function<QString(const QString &key)>;
+
+    /// Lays out grid element index (1 work orders, 2 points): columns, widths (pixels converted
+    /// with the horizontal twips per pixel), header colours and captions, two fixed rows.
+    static void InitBUHierarchyGrid(OutlineGrid &grid, int index, const CaptionLookup &caption,
+                                    double twipsPerPixelX);
+
+    /// Removes all outline rows and cuts both grids to their header rows.
+    static void ClearHierarchyGrids(OutlineGrid &workOrders, OutlineGrid &points);
+
+    /// The tree as appendTree() takes it: the root first, then the units that stay under the
+    /// root in description-lookup order, then the units moved under a parent in parent-lookup
+    /// order. Appended with sorting by text, it gives the rows of the step-by-step procedure.
+    [[nodiscard]] static std::vector<OutlineGrid::TreeNode>
+    BuildTree(const StringSet &buDescriptions, const StringSet &parentBUIDs,
+              const BusinessUnits &bus);
+
+    /// The whole fill of both grids: clear, build the tree, column 0 bold from row 1, figures of
+    /// the selected units, grey rows that no selected unit reaches. Throws DLVError (6 when a sum
+    /// leaves the 32-bit range; the grids then hold the tree without figures).
+    static void Fill(OutlineGrid &workOrders, OutlineGrid &points, cDLVController &controller,
+                     const BusinessUnits &bus, const StringSet &selection);
+
+    /// Adds, into the row of each selected unit, the figures of every unit of its GetBUIDList()
+    /// that the model holds: a unit below several selected rows counts once in each of them.
+    static void FillFigures(OutlineGrid &workOrders, OutlineGrid &points,
+                            cDLVController &controller, const BusinessUnits &bus,
+                            const StringSet &selection);
+
+    /// Greys every data row whose column 1 stayed empty.
+    static void GreyUnreached(OutlineGrid &grid);
+};

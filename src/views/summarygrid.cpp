@@ -1,0 +1,410 @@
+#include "views/summarygrid.h"
+
+#include "common/conversions.h"
+#include "common/dlverror.h"
+#include "model/businessunit.h"
+#include "model/businessunits.h"
+#include "model/errortrap.h"
+#include "views/outlinegrid.h"
+#include "views/panelvalues.h"
+
+#include <QHash>
+#include <algorithm>
+#include <array>
+#include <vector>
+
+namespace {
+
+constexpr int Counters = BusinessUnit::CounterCount;
+constexpr int LastCol = SummaryGrid::ColumnCount - 1;
+
+/// A class row while its counters are summed over the units.
+struct SumRow
+{
+    QString key;
+    QString col1;
+    QString col2;
+    std::array<qint32, Counters> sum{};
+    std::size_t line = 0; ///< its line once the rows are grouped
+    bool touchedByClassTotals = false;
+};
+
+/// One grid row as it will be written: texts of columns 1 and 2, of the counter columns, and the
+/// row data. Group rows are outline nodes, grey and bold across the row.
+struct Line
+{
+    QString key;
+    QString col1;
+    QString col2;
+    std::array<QString, Counters> counters;
+    bool node = false;
+};
+
+const QString &descriptionOr(const StringSet &lookup, const QString &code)
+{
+    const QString *description = lookup.find(code);
+    return description && !description->isEmpty() ? *description : code;
+}
+
+void setCountersText(Line &line, const std::array<qint32, Counters> &values)
+{
+    for (int s = 0; s < Counters; ++s)
+        line.counters[std::size_t(s)] = QString::number(values[std::size_t(s)]);
+}
+
+[[nodiscard]] bool lessText(const QString &a, const QString &b)
+{
+    return QString::compare(a, b, Qt::CaseSensitive) < 0;
+}
+
+/// Adds one unit to the panel sums and recomputes the four rates of the sums. The rates take the
+/// sums as 32-bit operands, so a sum past that range fails here with the overflow error, after
+/// the sums were updated (as the labels would have been).
+void addToPanel(PanelValues &panel, const BusinessUnit &bu)
+{
+    panel.techCount += bu.TechCount();
+    panel.hoursWorked += bu.HoursWorked();
+    panel.hoursRemaining += bu.HoursRemaining();
+    panel.woDone += bu.GetGrandTotal(4);
+    panel.woOpen += bu.GetGrandTotal(0);
+    panel.ptsDone += bu.GetGrandTotal(11);
+    panel.ptsOpen += bu.GetGrandTotal(7);
+    const auto operand = [](qint64 v) { return double(Conv::toLong(double(v))); };
+    panel.wosPerHrToday = Conv::rate(operand(panel.woDone), operand(panel.hoursWorked));
+    panel.ptsPerHrToday = Conv::rate(operand(panel.ptsDone), operand(panel.hoursWorked));
+    panel.wosPerHrReq = Conv::rate(operand(panel.woOpen), operand(panel.hoursRemaining));
+    panel.ptsPerHrReq = Conv::rate(operand(panel.ptsOpen), operand(panel.hoursRemaining));
+}
+
+/// A checked 32-bit sum (the overflow error past the range), inline: the class rows take
+/// millions of these per refresh.
+qint32 addCounter(qint32 a, qint32 b)
+{
+    qint32 sum = 0;
+    if (__builtin_add_overflow(a, b, &sum)) [[unlikely]]
+        throw DLVError::overflow();
+    return sum;
+}
+
+void addCounters(std::array<qint32, Counters> &sum, const JobClass &jc)
+{
+    for (int s = 0; s < Counters; ++s)
+        sum[std::size_t(s)] = addCounter(sum[std::size_t(s)], jc.GetJobDetails(s));
+}
+
+/// Sets key to a + separator + b, reusing its buffer (no allocation once it is large enough).
+void setKey(QString &key, QStringView a, QChar separator, QStringView b)
+{
+    key.resize(a.size() + 1 + b.size());
+    QChar *out = key.data();
+    out = std::copy(a.begin(), a.end(), out);
+    *out++ = separator;
+    std::copy(b.begin(), b.end(), out);
+}
+
+} // namespace
+
+int SummaryGrid::pixelsToTwips(double pixels, double twipsPerPixel)
+{
+    return Conv::toLong(pixels * twipsPerPixel);
+}
+
+void SummaryGrid::InitSingleBUGrid(const CaptionLookup &caption, double twipsPerPixelX)
+{
+    OutlineGrid::RedrawSuspender suspend(m_grid);
+    m_grid.clear();
+    m_grid.setRowCount(0);
+    m_grid.setColCount(ColumnCount);
+    m_grid.setColWidth(0, pixelsToTwips(15, twipsPerPixelX));
+    m_grid.setColWidth(1, 0);
+    m_grid.setColWidth(2, pixelsToTwips(111, twipsPerPixelX));
+    for (int c = FirstCounterCol; c < ColumnCount; ++c)
+        m_grid.setColWidth(c, pixelsToTwips(52, twipsPerPixelX));
+    // A few empty rows make the grid look ready before the first data arrive.
+    m_grid.setRowCount(12);
+    m_grid.setFixedRows(2);
+    m_grid.setRowHeight(1, 2 * m_grid.rowHeight(0));
+
+    m_grid.setBackColor(0, 0, 1, LastCol, OutlineGrid::fromBgr(HeaderBgr));
+    m_grid.setBackColor(0, 3, 1, 9, OutlineGrid::fromBgr(WorkOrdersBgr));
+    m_grid.setBackColor(0, 10, 1, LastCol, OutlineGrid::fromBgr(PointsBgr));
+    m_grid.setBold(0, 0, 0, LastCol, true);
+
+    // The same caption in every cell of a block: the header merges equal cells into one band.
+    m_grid.setText(0, 3, 0, 9, caption(QStringLiteral("WorkOrders")));
+    m_grid.setText(0, 10, 0, LastCol, caption(QStringLiteral("Points")));
+    m_grid.setText(1, 2, caption(QStringLiteral("JobTypesAndJobClasses")));
+    static const char *const statuses[] = {"Open",      "Warning",  "Jeopardy", "Late",
+                                           "Completed", "Canceled", "NotDone"};
+    for (int i = 0; i < 7; ++i) {
+        const QString text = caption(QString::fromLatin1(statuses[i]));
+        m_grid.setText(1, 3 + i, text);
+        m_grid.setText(1, 10 + i, text);
+    }
+    m_grid.setOutlineCol(2);
+    m_grid.setOutlineTextCol(1);
+}
+
+void SummaryGrid::ResetSummary(PanelValues &panel)
+{
+    panel = PanelValues();
+    m_grid.removeSubtotals();
+    if (m_grid.rowCount() > 2 && m_grid.colCount() > 0)
+        m_grid.setText(2, 0, m_grid.rowCount() - 1, m_grid.colCount() - 1, QString());
+    m_grid.setRowCount(2);
+}
+
+int SummaryGrid::GetMaxClassCnt(const StringSet &buSet, const BusinessUnits &bus,
+                                ErrorReporter *reporter)
+{
+    int result = 0;
+    ErrorTrap::run(reporter, QStringLiteral("DLViewer.GetMaxClassCnt"), [&] {
+        for (const auto &entry : buSet) {
+            if (const BusinessUnit *bu = bus.Item(entry.key))
+                result = std::max(result, bu->TotalJobType().Classes().Count());
+        }
+    });
+    return result;
+}
+
+double SummaryGrid::FitGridHeight(const OutlineGrid &grid, double topTwips, double frameHeightTwips,
+                                  double twipsPerPixelY)
+{
+    const int rows = grid.rowCount();
+    const double rowHeight = rows > 0 ? grid.rowHeight(0) : OutlineGrid::DefaultRowHeight;
+    if (rows <= 2)
+        return (rows + 2.25) * rowHeight;
+    const double fitted = Conv::toLong((rows + 2.25) * rowHeight);
+    const double margin = 3 * twipsPerPixelY;
+    if (topTwips + fitted + margin <= frameHeightTwips)
+        return fitted;
+    return frameHeightTwips - topTwips - margin;
+}
+
+void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
+                          const StringSet &jobTypeDescriptions,
+                          const StringSet &jobClassDescriptions, const QString &totalCaption,
+                          PanelValues &panel, ErrorReporter *reporter)
+{
+    OutlineGrid::RedrawSuspender suspend(m_grid);
+    ResetSummary(panel);
+
+    // Units of the set that the model holds, in the set's order (an aggregate set may name units
+    // the model never loaded).
+    std::vector<const BusinessUnit *> units;
+    units.reserve(std::size_t(buSet.count()));
+    for (const auto &entry : buSet) {
+        if (const BusinessUnit *bu = bus.Item(entry.key))
+            units.push_back(bu);
+    }
+
+    // Class rows, shared across units: the same job type and class of two units add into one
+    // row. The key buffer is reused so that finding an existing row allocates nothing.
+    std::vector<SumRow> rows;
+    QHash<QString, std::size_t> rowOf;
+    QString key;
+    for (const BusinessUnit *bu : units) {
+        addToPanel(panel, *bu);
+        for (const JobType &jt : bu->JobTypes()) {
+            for (const JobClass &jc : jt.Classes()) {
+                setKey(key, jt.Code(), u'|', jc.Code());
+                auto it = rowOf.constFind(key);
+                std::size_t r;
+                if (it == rowOf.constEnd()) {
+                    r = rows.size();
+                    rows.push_back(SumRow{.key = key,
+                                          .col1 = descriptionOr(jobTypeDescriptions, jt.Code()),
+                                          .col2 = descriptionOr(jobClassDescriptions, jc.Code())});
+                    rowOf.insert(rows.back().key, r);
+                } else {
+                    r = it.value();
+                }
+                addCounters(rows[r].sum, jc);
+            }
+        }
+    }
+
+    m_grid.setOutlineCol(2);
+    m_grid.setOutlineTextCol(1);
+    m_grid.removeSubtotals();
+
+    const QColor grey = OutlineGrid::fromBgr(GroupBgr);
+    const auto boldColumn1 = [this] {
+        if (m_grid.rowCount() > 0)
+            m_grid.setBold(0, 1, m_grid.rowCount() - 1, 1, true);
+    };
+
+    if (rows.empty()) {
+        // Nothing to show: one grey total row, labelled in the tree column.
+        const int r = m_grid.addRow();
+        m_grid.setText(r, 2, totalCaption);
+        m_grid.setText(r, 3, r, LastCol, QStringLiteral("0"));
+        m_grid.setBold(r, 0, r, LastCol, true);
+        m_grid.setBackColor(r, 2, r, LastCol, grey);
+        boldColumn1();
+        return;
+    }
+
+    // An empty row on top, then the class rows by job-type and class description. The empty row
+    // sorts first (its texts are empty) and becomes the grand total's only member below.
+    std::vector<std::size_t> order(rows.size());
+    for (std::size_t i = 0; i < order.size(); ++i)
+        order[i] = i;
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+        const int k = QString::compare(rows[a].col1, rows[b].col1, Qt::CaseSensitive);
+        return k != 0 ? k < 0 : lessText(rows[a].col2, rows[b].col2);
+    });
+    std::vector<SumRow *> sequence;
+    sequence.reserve(rows.size() + 1);
+    sequence.push_back(nullptr); // the empty row
+    for (std::size_t i : order)
+        sequence.push_back(&rows[i]);
+
+    // Group rows above each run of equal column-1 text, with the run's sums in "#" format. The
+    // first run is the empty row's (and that of any class whose job type shows no text): it
+    // becomes the grand total.
+    static const QString noText;
+    const auto groupText = [](const SumRow *row) -> const QString & {
+        return row ? row->col1 : noText;
+    };
+    std::vector<Line> lines;
+    lines.reserve(rows.size() + rows.size() / 2 + 2);
+    std::array<qint64, Counters> firstGroupSums{};
+    for (std::size_t k = 0; k < sequence.size();) {
+        const QString &text = groupText(sequence[k]);
+        std::array<qint64, Counters> sums{};
+        std::size_t end = k;
+        while (end < sequence.size() && groupText(sequence[end]) == text) {
+            if (const SumRow *row = sequence[end]) {
+                for (int s = 0; s < Counters; ++s)
+                    sums[std::size_t(s)] += row->sum[std::size_t(s)];
+            }
+            ++end;
+        }
+        if (k == 0)
+            firstGroupSums = sums;
+        Line group;
+        group.node = true;
+        group.col1 = text;
+        for (int s = 0; s < Counters; ++s)
+            group.counters[std::size_t(s)] = Conv::formatHash(double(sums[std::size_t(s)]));
+        lines.push_back(std::move(group));
+        for (std::size_t j = k; j < end; ++j) {
+            Line line;
+            if (SumRow *row = sequence[j]) {
+                line.key = row->key;
+                line.col1 = row->col1;
+                line.col2 = row->col2;
+                setCountersText(line, row->sum);
+                row->line = lines.size();
+            }
+            lines.push_back(std::move(line));
+        }
+        k = end;
+    }
+
+    // The grand total (row 2, the first group row): labelled in column 1, plus every unit's
+    // grand totals.
+    {
+        Line &total = lines.front();
+        total.col1 = totalCaption;
+        std::array<qint32, Counters> values{};
+        for (int s = 0; s < Counters; ++s)
+            values[std::size_t(s)] = Conv::toLong(double(firstGroupSums[std::size_t(s)]));
+        for (const BusinessUnit *bu : units) {
+            for (int s = 0; s < Counters; ++s)
+                values[std::size_t(s)] =
+                    addCounter(values[std::size_t(s)], bu->GrandTotals()[std::size_t(s)]);
+        }
+        setCountersText(total, values);
+    }
+
+    // Per-class totals over all job types, found by their row data "|class". A new one goes
+    // directly below the grand total, so the newest stands first.
+    std::vector<SumRow> classRows;
+    QHash<QString, std::size_t> classRowOf;
+    for (const BusinessUnit *bu : units) {
+        for (const JobClass &jc : bu->TotalJobType().Classes()) {
+            setKey(key, QStringView(), u'|', jc.Code());
+            if (auto it = classRowOf.constFind(key); it != classRowOf.constEnd()) {
+                addCounters(classRows[it.value()].sum, jc);
+            } else if (auto d = rowOf.constFind(key); d != rowOf.constEnd()) {
+                // A class row of a job type with an empty code carries the same row data.
+                SumRow &row = rows[d.value()];
+                addCounters(row.sum, jc);
+                row.touchedByClassTotals = true;
+            } else {
+                classRowOf.insert(key, classRows.size());
+                classRows.push_back(SumRow{.key = key,
+                                           .col1 = totalCaption,
+                                           .col2 = descriptionOr(jobClassDescriptions, jc.Code())});
+                addCounters(classRows.back().sum, jc);
+            }
+        }
+    }
+    for (const SumRow &row : rows) {
+        if (row.touchedByClassTotals)
+            setCountersText(lines[row.line], row.sum);
+    }
+
+    std::vector<Line> grid;
+    grid.reserve(lines.size() + classRows.size());
+    grid.push_back(std::move(lines.front()));
+    for (auto it = classRows.rbegin(); it != classRows.rend(); ++it) {
+        Line line;
+        line.key = it->key;
+        line.col1 = it->col1;
+        line.col2 = it->col2;
+        setCountersText(line, it->sum);
+        grid.push_back(std::move(line));
+    }
+    for (std::size_t i = 1; i < lines.size(); ++i)
+        grid.push_back(std::move(lines[i]));
+
+    // Only as many class rows are sorted as the largest single unit has classes; the rest keep
+    // their order. Rows 3 to n + 2 are grid[1] to grid[n].
+    const int n = GetMaxClassCnt(buSet, bus, reporter);
+    if (n >= 1) {
+        const std::size_t last = std::min(std::size_t(n), grid.size() - 1);
+        std::stable_sort(grid.begin() + 1, grid.begin() + std::ptrdiff_t(last) + 1,
+                         [](const Line &a, const Line &b) {
+                             const int k = QString::compare(a.col2, b.col2, Qt::CaseSensitive);
+                             return k != 0 ? k < 0 : lessText(a.counters[0], b.counters[0]);
+                         });
+    }
+
+    // Clean-up: rows whose first work-order cell is empty go (the empty row, and group rows whose
+    // open work orders sum to zero); then each group row is named by its job type, taken from the
+    // row data of the row below it.
+    grid.erase(std::remove_if(grid.begin(), grid.end(),
+                              [](const Line &line) { return line.counters[0].isEmpty(); }),
+               grid.end());
+    for (std::size_t i = grid.size(); i-- > 1;) {
+        if (!grid[i].node || i + 1 >= grid.size())
+            continue;
+        const QString &next = grid[i + 1].key;
+        const qsizetype bar = next.indexOf(u'|');
+        if (bar >= 0)
+            grid[i].key = next.left(bar);
+    }
+
+    for (const Line &line : grid) {
+        const int r = line.node ? m_grid.addNodeRow(0) : m_grid.addRow();
+        if (!line.col1.isEmpty())
+            m_grid.setText(r, 1, line.col1);
+        if (!line.col2.isEmpty())
+            m_grid.setText(r, 2, line.col2);
+        for (int s = 0; s < Counters; ++s) {
+            if (!line.counters[std::size_t(s)].isEmpty())
+                m_grid.setText(r, FirstCounterCol + s, line.counters[std::size_t(s)]);
+        }
+        if (line.node) {
+            m_grid.setBackColor(r, 0, r, LastCol, grey);
+            m_grid.setBold(r, 0, r, LastCol, true);
+        }
+        if (!line.key.isEmpty())
+            m_grid.setRowData(r, line.key);
+    }
+    m_grid.setCurrentCell(0, 0);
+    boldColumn1();
+}

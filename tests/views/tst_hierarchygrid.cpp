@@ -1,0 +1,334 @@
+#include "common/dlverror.h"
+#include "model/cdlvcontroller.h"
+#include "model/dlvdatabuilder.h"
+#include "model/fakesurface.h"
+#include "support/recordingreporter.h"
+#include "views/hierarchygrid.h"
+#include "views/outlinegrid.h"
+
+#include <QRandomGenerator>
+#include <QStringList>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct LoadedModel
+{
+    explicit LoadedModel(const DLVDataBuilder &data)
+    {
+        controller.Initialize(&surface);
+        controller.ReceiveMessage(data.variant(), 0, QString());
+        controller.SingleBUGridBusy = false;
+        controller.HierarchyGridBusy = false;
+    }
+    RecordingReporter reporter;
+    FakeSurface surface;
+    cDLVController controller{&reporter};
+};
+
+StringSet ids(const QStringList &list)
+{
+    StringSet set;
+    for (const QString &id : list)
+        set.add(id, id);
+    return set;
+}
+
+QString identity(const QString &key)
+{
+    return key;
+}
+
+struct Grids
+{
+    Grids()
+    {
+        HierarchyGrid::InitBUHierarchyGrid(workOrders, 1, identity, 15);
+        HierarchyGrid::InitBUHierarchyGrid(points, 2, identity, 15);
+    }
+    void fill(LoadedModel &model, const QStringList &selection)
+    {
+        HierarchyGrid::Fill(workOrders, points, model.controller, model.controller.BUs(),
+                            ids(selection));
+    }
+    OutlineGrid workOrders;
+    OutlineGrid points;
+};
+
+/// Rows from 2 on as "<level> <text> <row data>".
+std::vector<std::string> tree(const OutlineGrid &grid)
+{
+    std::vector<std::string> out;
+    for (int r = 2; r < grid.rowCount(); ++r)
+        out.push_back(QStringLiteral("%1 %2 %3")
+                          .arg(grid.outlineLevel(r))
+                          .arg(grid.text(r, 0), grid.rowData(r))
+                          .toStdString());
+    return out;
+}
+
+/// Columns 1 to 11 of a row joined by ",".
+std::string figures(const OutlineGrid &grid, int row)
+{
+    QStringList cells;
+    for (int c = 1; c < HierarchyGrid::ColumnCount; ++c)
+        cells << grid.text(row, c);
+    return cells.join(u',').toStdString();
+}
+
+/// The step-by-step build the direct one must match: every unit under the root in description
+/// order, each moved under its parent in parent-lookup order (a move into the unit's own subtree
+/// is impossible and leaves it under the root), childless units the model lacks pruned from the
+/// bottom up, children sorted by text. Quadratic; a yardstick for tests only.
+void stepByStep(OutlineGrid &g, const cDLVController &controller)
+{
+    const StringSet &descriptions = controller.BUDescriptions();
+    g.setColCount(HierarchyGrid::ColumnCount);
+    g.setRowCount(2);
+    g.setFixedRows(2);
+    const int root = g.addNodeRow(0);
+    const QString *rootText = descriptions.find(u"#");
+    g.setText(root, 0, rootText ? *rootText : QString());
+    g.setRowData(root, QStringLiteral("#"));
+    for (const auto &entry : descriptions) {
+        if (entry.key == u"#")
+            continue;
+        const int r = g.addNodeRow(1);
+        g.setText(r, 0, entry.value);
+        g.setRowData(r, entry.key);
+    }
+    for (const auto &entry : controller.ParentBUIDs()) {
+        const int parent = g.findRow(entry.value);
+        const int unit = g.findRow(entry.key);
+        if (parent == -1 || unit == -1)
+            continue;
+        try {
+            g.moveUnder(unit, parent);
+        } catch (const DLVError &) {
+            // The parent lies in the unit's own subtree.
+        }
+    }
+    for (int r = g.rowCount() - 1; r >= 3; --r) {
+        if (g.childCount(r) == 0 && !controller.BUs().Item(g.rowData(r)))
+            g.removeRow(r);
+    }
+    for (int r = 2; r < g.rowCount(); ++r) {
+        if (g.childCount(r) > 0)
+            g.sortChildren(r, 0);
+    }
+}
+
+/// A region tree: R1 (City 1, and C3 which the model lacks) and R2 (City 2) under "All".
+DLVDataBuilder regions()
+{
+    DLVDataBuilder b;
+    b.unit("#", "All", "").unit("R1", "Region 1", "#").unit("C1", "City 1", "R1");
+    b.unit("R2", "Region 2", "#").unit("C2", "City 2", "R2").unit("C3", "City 3", "R1");
+    b.general("R1", "Region 1", "1", "2.5", "3").general("C1", "City 1", "2", "0.4", "1");
+    b.general("R2", "Region 2", "4", "8", "0").general("C2", "City 2", "1", "1", "1");
+    QStringList r1(14, QStringLiteral("0"));
+    r1[0] = "1";  // open work orders
+    r1[4] = "5";  // completed work orders
+    r1[7] = "2";  // open points
+    r1[11] = "7"; // completed points
+    b.detail("R1", "T", "C", r1);
+    QStringList c1(14, QStringLiteral("0"));
+    c1[4] = "3";
+    c1[11] = "2";
+    b.detail("C1", "T", "C", c1);
+    return b;
+}
+
+} // namespace
+
+TEST(HierarchyGridLayout, HeadersColoursAndWidths)
+{
+    Grids g;
+    for (const OutlineGrid *grid : {&g.workOrders, &g.points}) {
+        EXPECT_EQ(grid->colCount(), 12);
+        EXPECT_EQ(grid->rowCount(), 2);
+        EXPECT_EQ(grid->fixedRows(), 2);
+        EXPECT_EQ(grid->colWidth(0), 2250);
+        EXPECT_EQ(grid->colWidth(11), 945);
+        EXPECT_EQ(grid->text(0, 11), "Productivity");
+        EXPECT_EQ(grid->text(1, 0), "BusinessUnits");
+        EXPECT_EQ(grid->text(1, 3), "HoursCompleted");
+        EXPECT_EQ(grid->text(1, 10), "NotDone");
+        EXPECT_TRUE(grid->text(0, 3).isEmpty());
+        EXPECT_TRUE(grid->isBold(0, 0));
+        EXPECT_EQ(grid->backColor(1, 2), QColor(253, 252, 217));
+        EXPECT_EQ(grid->backColor(0, 7), QColor(198, 253, 250));
+        EXPECT_EQ(grid->backColor(1, 11), QColor(227, 254, 228));
+    }
+    EXPECT_EQ(g.workOrders.text(0, 4), "WorkOrders");
+    EXPECT_EQ(g.workOrders.text(0, 10), "WorkOrders");
+    EXPECT_EQ(g.workOrders.text(1, 11), "WOsPerHour");
+    EXPECT_EQ(g.points.text(0, 4), "Points");
+    EXPECT_EQ(g.points.text(1, 11), "PtsPerHour");
+}
+
+TEST(HierarchyGridTree, ShapesOfTheTree)
+{
+    const struct
+    {
+        const char *name;
+        DLVDataBuilder data;
+        std::vector<std::string> expected;
+    } cases[] = {
+        {"no units: the root alone", DLVDataBuilder().unit("#", "All", ""), {"0 All #"}},
+        {"no root text",
+         DLVDataBuilder().unit("A", "Alpha", "#").general("A"),
+         {"0  #", "1 Alpha A"}},
+        {"a parent missing from the units",
+         DLVDataBuilder().unit("#", "All", "").unit("A", "Alpha", "nowhere").general("A"),
+         {"0 All #", "1 Alpha A"}},
+        {"leaves the model lacks go, and so do parents left childless",
+         DLVDataBuilder()
+             .unit("#", "All", "")
+             .unit("P", "Pruned parent", "#")
+             .unit("L1", "Leaf 1", "P")
+             .unit("L2", "Leaf 2", "P")
+             .unit("Q", "Kept parent", "#")
+             .unit("M", "Modelled", "Q")
+             .unit("L3", "Leaf 3", "Q")
+             .general("M"),
+         {"0 All #", "1 Kept parent Q", "2 Modelled M"}},
+        // The model finds b through B (its keys ignore case); the sort compares exactly.
+        {"children sorted by text, exactly",
+         DLVDataBuilder()
+             .unit("#", "All", "")
+             .unit("b", "beta", "#")
+             .unit("B", "Beta", "#")
+             .unit("a", "alpha", "#")
+             .general("a")
+             .general("b2")
+             .general("B"),
+         {"0 All #", "1 Beta B", "1 alpha a", "1 beta b"}},
+        {"a self-parent and a cycle stay under the root",
+         DLVDataBuilder()
+             .unit("#", "All", "")
+             .unit("S", "Self", "S")
+             .unit("X", "X", "Y")
+             .unit("Y", "Y", "X")
+             .general("S")
+             .general("X")
+             .general("Y"),
+         // X moves under Y first; Y's move under X would close the cycle, so Y stays put.
+         {"0 All #", "1 Self S", "1 Y Y", "2 X X"}},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        LoadedModel model(c.data);
+        Grids g;
+        g.fill(model, {});
+        EXPECT_EQ(tree(g.workOrders), c.expected);
+        EXPECT_EQ(tree(g.points), c.expected);
+        EXPECT_TRUE(model.reporter.reports.empty());
+    }
+}
+
+TEST(HierarchyGridTree, DirectBuildMatchesTheStepByStepProcedureOnRandomData)
+{
+    QRandomGenerator random(20240301);
+    for (int trial = 0; trial < 300; ++trial) {
+        SCOPED_TRACE(trial);
+        const int n = 1 + int(random.bounded(40));
+        QStringList units;
+        for (int i = 0; i < n; ++i) {
+            // Ids that differ only in case: exact in the lookups, one unit to the model.
+            units << (random.bounded(6) == 0 ? QStringLiteral("u%1") : QStringLiteral("U%1"))
+                         .arg(random.bounded(n + 5));
+        }
+        units.removeDuplicates();
+        DLVDataBuilder b;
+        const bool withRoot = random.bounded(8) != 0;
+        if (withRoot)
+            b.unit("#", "All", random.bounded(10) == 0 ? units.front() : QString());
+        for (const QString &id : units) {
+            QString parent;
+            switch (random.bounded(10)) {
+            case 0:
+                parent = id; // its own parent
+                break;
+            case 1:
+                parent = QStringLiteral("missing");
+                break;
+            case 2:
+                parent = QString();
+                break;
+            case 3:
+            case 4:
+                parent = QStringLiteral("#");
+                break;
+            default:
+                parent = units[int(random.bounded(units.size()))]; // cycles included
+            }
+            // Few distinct texts, so that the sort meets many ties.
+            b.unit(id, QStringLiteral("d%1").arg(random.bounded(4)), parent);
+            if (random.bounded(3) != 0)
+                b.general(id);
+        }
+        LoadedModel model(b);
+        ASSERT_TRUE(model.reporter.reports.empty());
+        Grids g;
+        g.fill(model, {});
+        OutlineGrid reference;
+        stepByStep(reference, model.controller);
+        ASSERT_EQ(tree(g.workOrders), tree(reference));
+        ASSERT_EQ(tree(g.points), tree(reference));
+    }
+}
+
+TEST(HierarchyGridFigures, SelectedRowsSumTheirUnitsAndUnreachedRowsAreGrey)
+{
+    LoadedModel model(regions());
+    Grids g;
+    g.fill(model, {"ghost", "R1", "C1"});
+    ASSERT_EQ(tree(g.workOrders),
+              (std::vector<std::string>{"0 All #", "1 Region 1 R1", "2 City 1 C1", "1 Region 2 R2",
+                                        "2 City 2 C2"}));
+    // Row R1 sums R1 and C1 (C3 is in the tree's lookups but not in the model): 3 technicians,
+    // 4 hours remaining, 2 hours worked (2.5 reads 2, 0.4 reads 0). Productivity 8 / 2. C1 is
+    // also counted in its own row, where 0 hours give productivity 0.
+    EXPECT_EQ(figures(g.workOrders, 3), "3,4,2,1,0,0,0,8,0,0,4");
+    EXPECT_EQ(figures(g.workOrders, 4), "2,1,0,0,0,0,0,3,0,0,0");
+    EXPECT_EQ(figures(g.points, 3), "3,4,2,2,0,0,0,9,0,0,4.5");
+    EXPECT_EQ(figures(g.points, 4), "2,1,0,0,0,0,0,2,0,0,0");
+    const QColor grey(208, 208, 208);
+    for (const OutlineGrid *grid : {&g.workOrders, &g.points}) {
+        for (int row : {2, 5, 6}) {
+            EXPECT_EQ(figures(*grid, row), ",,,,,,,,,,") << row;
+            EXPECT_EQ(grid->backColor(row, 0), grey) << row;
+            EXPECT_EQ(grid->backColor(row, 11), grey) << row;
+        }
+        EXPECT_FALSE(grid->backColor(3, 0).isValid());
+        for (int row = 1; row < grid->rowCount(); ++row)
+            EXPECT_TRUE(grid->isBold(row, 0)) << row;
+        EXPECT_FALSE(grid->isBold(3, 1));
+    }
+
+    // A refill starts from scratch: nothing selected leaves every row grey and empty.
+    g.fill(model, {});
+    EXPECT_EQ(figures(g.workOrders, 3), ",,,,,,,,,,");
+    EXPECT_EQ(g.workOrders.backColor(3, 4), grey);
+}
+
+TEST(HierarchyGridFigures, SumsPastThe32BitRangeRaiseOverflow)
+{
+    DLVDataBuilder b;
+    b.unit("#", "All", "").unit("A", "A", "#").unit("B", "B", "A");
+    b.general("A", "A", "2000000000").general("B", "B", "2000000000");
+    LoadedModel model(b);
+    Grids g;
+    try {
+        g.fill(model, {"A"});
+        FAIL() << "no overflow";
+    } catch (const DLVError &e) {
+        EXPECT_EQ(e.number(), DLVError::Overflow);
+    }
+    // The tree stands; the figures were not written.
+    EXPECT_EQ(g.workOrders.rowCount(), 5);
+    EXPECT_TRUE(g.workOrders.text(3, 1).isEmpty());
+}
