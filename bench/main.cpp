@@ -3,11 +3,12 @@
 #include "datagenerator.h"
 #include "model/cdlvcontroller.h"
 #include "stage.h"
+#include "viewerbench.h"
 #include "webdata/qzwebmessage.h"
 #include "webdata/webvariant.h"
 
+#include <QApplication>
 #include <QCommandLineParser>
-#include <QCoreApplication>
 #include <algorithm>
 #include <cstdio>
 
@@ -47,11 +48,35 @@ double bestLoadMs(const std::shared_ptr<QZWebMessage> &message, int runs)
     return best;
 }
 
+void printViewerStages(const ViewerBench::Times &t, double parseMs)
+{
+    const auto line = [](const char *name, double ms, const QString &key, double value) {
+        Stage stage(QString::fromLatin1(name));
+        stage.setElapsed(ms);
+        stage.add(key, value);
+        stage.print();
+    };
+    line("hierarchy_fill", t.hierarchyFill, QStringLiteral("rows"), t.hierarchyRows);
+    line("unit_list", t.unitList, QStringLiteral("items"), t.listItems);
+    line("summary_fill", t.summaryFill, QStringLiteral("rows"), t.summaryRows);
+    Stage refresh(QStringLiteral("refresh"));
+    refresh.setElapsed(t.refresh);
+    refresh.add(QStringLiteral("units"), t.units);
+    refresh.add(QStringLiteral("selected"), t.selected);
+    refresh.add(QStringLiteral("parse_ms"), parseMs);
+    refresh.add(QStringLiteral("refresh_over_parse"), parseMs > 0 ? t.refresh / parseMs : 0.0);
+    refresh.add(QStringLiteral("errors"), t.errors);
+    refresh.print();
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
+    // The fill stages drive a real control; no display is needed for that.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("dlv-bench"));
 
     QCommandLineParser parser;
@@ -72,7 +97,8 @@ int main(int argc, char **argv)
                                   QStringLiteral("n"), QStringLiteral("20240301"));
     const QCommandLineOption scaling(
         QStringLiteral("scaling"),
-        QStringLiteral("Also time the load at N and 2N detail rows and print the ratio."));
+        QStringLiteral("Also time the load at N and 2N detail rows, and every fill stage at N "
+                       "and 2N units and detail rows, and print the ratios."));
     parser.addOptions({bus, depth, jobTypes, classes, details, seed, scaling});
     parser.process(app);
 
@@ -114,14 +140,18 @@ int main(int argc, char **argv)
         stage.print();
     }
     auto parsed = std::make_shared<QZWebMessage>();
+    double parseMs = 0;
     {
         Stage stage(QStringLiteral("parse"));
         *parsed = QZWebMessage::fromXml(xml);
+        parseMs = stage.stop();
         stage.print();
     }
     xml.clear();
     xml.squeeze();
     const LoadResult load = loadOnce(parsed, QStringLiteral("load"));
+    const ViewerBench::Times viewer = ViewerBench::run(parsed, 1);
+    printViewerStages(viewer, parseMs);
 
     if (parser.isSet(scaling)) {
         DataGenerator::Options doubled = options;
@@ -136,6 +166,27 @@ int main(int argc, char **argv)
         stage.add(QStringLiteral("ms_2n"), ms2N);
         stage.add(QStringLiteral("ratio"), msN > 0 ? ms2N / msN : 0.0);
         stage.print();
+
+        // The fills grow with the units (trees, list) and the detail rows (summary): double both.
+        DataGenerator::Options bigger = options;
+        bigger.units = options.units * 2;
+        bigger.detailRows = options.detailRows * 2;
+        const ViewerBench::Times n = ViewerBench::run(messageN, 3);
+        const ViewerBench::Times n2 = ViewerBench::run(DataGenerator(bigger).generate(), 3);
+        const auto ratioLine = [&](const char *name, double a, double b) {
+            Stage s(QStringLiteral("scaling_") + QString::fromLatin1(name));
+            s.setElapsed(b);
+            s.add(QStringLiteral("units_n"), options.units);
+            s.add(QStringLiteral("rows_n"), options.detailRows);
+            s.add(QStringLiteral("ms_n"), a);
+            s.add(QStringLiteral("ms_2n"), b);
+            s.add(QStringLiteral("ratio"), a > 0 ? b / a : 0.0);
+            s.print();
+        };
+        ratioLine("hierarchy_fill", n.hierarchyFill, n2.hierarchyFill);
+        ratioLine("unit_list", n.unitList, n2.unitList);
+        ratioLine("summary_fill", n.summaryFill, n2.summaryFill);
+        ratioLine("refresh", n.refresh, n2.refresh);
     }
-    return load.errors == 0 ? 0 : 1;
+    return load.errors == 0 && viewer.errors == 0 ? 0 : 1;
 }

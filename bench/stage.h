@@ -17,6 +17,8 @@ public:
     void add(const QString &key, const QString &value);
     /// Stops the clock (first call only); returns the elapsed milliseconds.
     double stop();
+    /// Reports a time measured elsewhere (such as the best of several runs) instead of the clock.
+    void setElapsed(double ms) { m_ms = ms; }
     /// Stops the clock if running and prints the line.
     void print();
 

@@ -569,7 +569,9 @@ void DLViewer::ResizeControls()
     }
     d->Tabs->raise();
 
-    if (!d->firstLayoutDone) {
+    // The first layout lays out the empty grids with their captions, so it waits for the
+    // caption catalogue: a host may show (and so resize) the control before Initialize.
+    if (!d->firstLayoutDone && d->captions) {
         d->lblStatus->clear();
         d->optDisplay[0]->setChecked(true);
         d->optBU[0]->setChecked(true);

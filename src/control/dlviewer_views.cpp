@@ -22,8 +22,6 @@
 #include <QTabBar>
 #include <QTreeWidget>
 #include <cmath>
-#include <QElapsedTimer>
-#include <cstdio>
 
 namespace {
 
@@ -209,16 +207,12 @@ void DLViewerPrivate::LoadBUListView()
 {
     if (!mDLV)
         return;
-    QElapsedTimer T; T.start();
     const StringSet kept = mDLV->GetBUList();
-    fprintf(stderr, "L get %.1f\n", T.nsecsElapsed()/1e6);
     static const StringSet noSession;
     const std::vector<BUSelection::Item> items = BUSelection::listItems(
         grids[1], sessionBUs ? *sessionBUs : noSession, mDLV->BUDescriptions());
 
-    fprintf(stderr, "L items %.1f\n", T.nsecsElapsed()/1e6);
     lvBU->clear();
-    fprintf(stderr, "L clear %.1f\n", T.nsecsElapsed()/1e6);
     lvBU->setColumnCount(1);
     lvBU->setColumnWidth(0, std::max(0, lvBU->width() - 21));
     QList<QTreeWidgetItem *> widgets;
@@ -229,7 +223,6 @@ void DLViewerPrivate::LoadBUListView()
         widgets.push_back(widget);
     }
     lvBU->addTopLevelItems(widgets); // the list view takes ownership
-    fprintf(stderr, "L add %.1f\n", T.nsecsElapsed()/1e6);
 
     // The user's choice survives a refresh: reselect the ids that were selected, one range per
     // run of neighbours (one selection change however long the list).
@@ -249,7 +242,6 @@ void DLViewerPrivate::LoadBUListView()
     }
     if (!selection.isEmpty())
         lvBU->selectionModel()->select(selection, QItemSelectionModel::Select);
-    fprintf(stderr, "L sel %.1f\n", T.nsecsElapsed()/1e6);
 }
 
 void DLViewerPrivate::cmdView_Click()

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// The command line of dlv-host, parsed and checked before any window exists, so that a bad
+/// argument is reported (exit status 2) even on a machine without a display.
+class HostOptions
+{
+public:
+    enum ExitStatus : int
+    {
+        ExitOk = 0,
+        ExitFailure = 1,      ///< an output could not be written, or the control reported an error
+        ExitBadArguments = 2, ///< a bad or unknown argument
+        ExitBadData = 3,      ///< an unreadable or invalid data document
+    };
+
+    enum class Display
+    {
+        AsProfile,
+        WorkOrders,
+        Points
+    };
+    enum class Tab
+    {
+        Summary,
+        Hierarchy
+    };
+
+    /// What the command line asks for.
+    enum class Action
+    {
+        Run,     ///< start the host (interactive, or batch when a batch option is given)
+        Help,    ///< print helpText() and stop
+        Version, ///< print the version and stop
+        Error    ///< print errorMessage and stop with ExitBadArguments
+    };
+
+    static constexpr int DefaultRefreshSeconds = 30;
+    static constexpr int MaxRefreshSeconds = 24 * 60 * 60;
+
+    Action action = Action::Run;
+    QString errorMessage;
+
+    QString dataPath; ///< empty: the built-in demo
+    QString language = QStringLiteral("EN");
+    QString user;             ///< empty: the login name
+    QString profilesPath;     ///< empty: the default store
+    QStringList sessionUnits; ///< empty with sessionUnitsGiven false: every unit
+    bool sessionUnitsGiven = false;
+    int refreshSeconds = DefaultRefreshSeconds;
+    quint32 seed = 0;
+    bool seedGiven = false;
+
+    // Batch mode.
+    QStringList select;
+    bool selectGiven = false;
+    bool aggregate = false;
+    Display display = Display::AsProfile;
+    bool tabGiven = false;
+    Tab tab = Tab::Summary;
+    QString profile;
+    QString exportCsv;
+    QString printPdf;
+    QString screenshot;
+    bool panel = false;
+
+    /// True when an option asks for a headless run that ends after the first complete fill.
+    [[nodiscard]] bool isBatch() const;
+
+    /// Parses the arguments (the program name first, as in argv).
+    [[nodiscard]] static HostOptions parse(const QStringList &arguments);
+    [[nodiscard]] static QString helpText();
+    /// The login name of the user running the host.
+    [[nodiscard]] static QString loginName();
+};

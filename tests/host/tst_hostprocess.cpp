@@ -1,0 +1,280 @@
+// dlv-host as a program: batch runs on small data documents, checked by what they print and
+// write, and the exit status and message for bad arguments and bad documents.
+#include "host/hosttestprinters.h"
+#include "host/profilestore.h"
+#include "webdata/qzwebprofile.h"
+#include "webdata/qzwebprofiles.h"
+#include "webdata/qzwebtable.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
+#include <QtEndian>
+#include <gtest/gtest.h>
+#include <ostream>
+
+namespace {
+
+const QString kDataDir = QStringLiteral(DLV_HOST_DATA_DIR);
+const QString kTwoCrews = kDataDir + QStringLiteral("/two-crews.xml");
+
+struct Result
+{
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+class HostProcessTest : public ::testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(dir.isValid()); }
+
+    QString file(const QString &name) const { return dir.filePath(name); }
+    QString profiles() const { return file(QStringLiteral("profiles.sqlite")); }
+
+    Result run(const QStringList &args)
+    {
+        QProcess process;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        // Nothing of a test run lands in the real user's folders.
+        env.insert(QStringLiteral("XDG_DATA_HOME"), file(QStringLiteral("data-home")));
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), file(QStringLiteral("config-home")));
+        process.setProcessEnvironment(env);
+        process.start(QStringLiteral(DLV_HOST_EXE),
+                      QStringList{QStringLiteral("--user"), QStringLiteral("tester"),
+                                  QStringLiteral("--profiles"), profiles()} +
+                          args);
+        Result r;
+        // A safety net against a hung child, not a measurement.
+        if (!process.waitForFinished(180'000)) {
+            process.kill();
+            process.waitForFinished();
+            r.err = QStringLiteral("dlv-host did not finish");
+            return r;
+        }
+        r.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
+        r.out = QString::fromUtf8(process.readAllStandardOutput());
+        r.err = QString::fromUtf8(process.readAllStandardError());
+        return r;
+    }
+
+    QTemporaryDir dir;
+};
+
+QString panel(std::initializer_list<const char *> values)
+{
+    static const char *names[] = {"lblTechCount",     "lblHrsWorked",     "lblHrsRemaining",
+                                  "lblWODone",        "lblWOOpen",        "lblPtsDone",
+                                  "lblPtsOpen",       "lblWOsPerHrToday", "lblWOsPerHrReq",
+                                  "lblPtsPerHrToday", "lblPtsPerHrReq"};
+    QString text;
+    int i = 0;
+    for (const char *v : values)
+        text += QString::fromLatin1(names[i++]) + u'=' + QString::fromLatin1(v) + u'\n';
+    return text;
+}
+
+// Both crews of two-crews.xml: 10 + 5 technicians, 40 + 20 hours worked, 20 + 20 remaining,
+// 30 orders done and 10 open, 102 points done and 38 open.
+const QString kBothCrews =
+    panel({"15", "60", "40", "30", "10", "102", "38", "0.5", "0.25", "1.7", "0.95"});
+const QString kAlphaCrew =
+    panel({"10", "40", "20", "22", "7", "62", "23", "0.55", "0.35", "1.55", "1.15"});
+
+struct PanelCase
+{
+    const char *name;
+    QStringList args;
+    const QString *expected;
+    friend void PrintTo(const PanelCase &c, std::ostream *os) { *os << c.name; }
+};
+
+class PanelTest : public HostProcessTest, public ::testing::WithParamInterface<PanelCase>
+{};
+
+TEST_P(PanelTest, PrintsThePanelFiguresOfTheChosenUnits)
+{
+    const Result r = run(QStringList{"--data", kTwoCrews, "--panel"} + GetParam().args);
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out, *GetParam().expected);
+    EXPECT_TRUE(r.err.isEmpty()) << r.err.toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Selections, PanelTest,
+    ::testing::Values(PanelCase{"BothCrews", {"--select", "C1,C2"}, &kBothCrews},
+                      PanelCase{"OneCrew", {"--select", "C1"}, &kAlphaCrew},
+                      PanelCase{"RegionAggregated", {"--select", "R1", "--aggregate"}, &kBothCrews},
+                      PanelCase{"InPortuguese", {"--select", "C1,C2", "--lang", "PO"}, &kBothCrews},
+                      PanelCase{"OnTheHierarchyTab",
+                                {"--select", "C1", "--tab", "hierarchy", "--display", "points"},
+                                &kAlphaCrew}),
+    [](const ::testing::TestParamInfo<PanelCase> &info) { return std::string(info.param.name); });
+
+TEST_F(HostProcessTest, AFolderIsSentInFileNameOrder)
+{
+    const Result r =
+        run({"--data", kDataDir + QStringLiteral("/sequence"), "--select", "C1,C2", "--panel"});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out, kBothCrews) << "the batch run shows the first document, 2-morning.xml";
+}
+
+QByteArray readAll(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+struct ExportCase
+{
+    const char *name;
+    QStringList args;
+    const char *expectedFile;
+    friend void PrintTo(const ExportCase &c, std::ostream *os) { *os << c.name; }
+};
+
+class ExportTest : public HostProcessTest, public ::testing::WithParamInterface<ExportCase>
+{};
+
+TEST_P(ExportTest, WritesTheGridInViewAsExpected)
+{
+    const QString csv = file(QStringLiteral("grid.csv"));
+    const Result r = run(QStringList{"--data", kTwoCrews, "--export-csv", csv} + GetParam().args);
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    const QByteArray expected = readAll(kDataDir + QStringLiteral("/expected/") +
+                                        QString::fromLatin1(GetParam().expectedFile));
+    ASSERT_FALSE(expected.isEmpty());
+    EXPECT_EQ(readAll(csv), expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Grids, ExportTest,
+    ::testing::Values(ExportCase{"Summary", {"--select", "C1,C2"}, "summary-both-crews.csv"},
+                      ExportCase{"HierarchyWorkOrders",
+                                 {"--select", "R1,C1,C2", "--tab", "hierarchy"},
+                                 "hierarchy-work-orders.csv"},
+                      ExportCase{
+                          "HierarchyPoints",
+                          {"--select", "R1,C1,C2", "--tab", "hierarchy", "--display", "points"},
+                          "hierarchy-points.csv"}),
+    [](const ::testing::TestParamInfo<ExportCase> &info) { return std::string(info.param.name); });
+
+TEST_F(HostProcessTest, PrintsToPdfAndTakesAPictureOfTheWindow)
+{
+    const QString pdf = file(QStringLiteral("grid.pdf"));
+    const QString png = file(QStringLiteral("window.png"));
+    const Result r =
+        run({"--data", kTwoCrews, "--select", "C1", "--print-pdf", pdf, "--screenshot", png});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(readAll(pdf).startsWith("%PDF-"));
+    const QByteArray picture = readAll(png);
+    ASSERT_GE(picture.size(), 24);
+    EXPECT_TRUE(picture.startsWith("\x89PNG\r\n\x1a\n"));
+    // The IHDR chunk: width and height, big-endian, after the signature and the chunk header.
+    EXPECT_EQ(qFromBigEndian<quint32>(picture.constData() + 16), 1280u);
+    EXPECT_EQ(qFromBigEndian<quint32>(picture.constData() + 20), 800u);
+}
+
+TEST_F(HostProcessTest, TheControlsDefaultProfileIsStoredForTheUser)
+{
+    const Result r = run({"--data", kTwoCrews, "--panel"});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    ProfileStore store(profiles(), QStringLiteral("tester"), QStringLiteral("DashlonViewer"));
+    ASSERT_TRUE(store.open()) << store.lastError().toStdString();
+    EXPECT_EQ(store.profileNames(), QStringList{"Default"});
+    const auto profile = store.profile(QStringLiteral("Default"));
+    ASSERT_TRUE(profile);
+    EXPECT_TRUE(profile->sectionExists(u"DLVSelect"));
+    EXPECT_TRUE(profile->sectionExists(u"CollapsedNodes"));
+}
+
+TEST_F(HostProcessTest, AChosenProfileDecidesTheUnitsShown)
+{
+    {
+        ProfileStore store(profiles(), QStringLiteral("tester"), QStringLiteral("DashlonViewer"));
+        ASSERT_TRUE(store.open());
+        QZWebProfiles set;
+        QZWebProfile &p = set.add(QStringLiteral("Alpha only"));
+        p.addSection(QStringLiteral("DLVSelect"),
+                     QStringLiteral("BUList,SummaryOption,DisplayByWorkOrders"))
+            .appendRow({"C1", "False", "True"});
+        set.add(QStringLiteral("Default"));
+        ASSERT_TRUE(store.answerPutProfiles(set.toXml()).contains(QStringLiteral("<V>0</V>")));
+    }
+    const Result r = run({"--data", kTwoCrews, "--profile", "Alpha only", "--panel"});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out, kAlphaCrew);
+}
+
+struct FailureCase
+{
+    const char *name;
+    QStringList args;
+    int status;
+    const char *mentions;
+    friend void PrintTo(const FailureCase &c, std::ostream *os) { *os << c.name; }
+};
+
+class FailureTest : public HostProcessTest, public ::testing::WithParamInterface<FailureCase>
+{};
+
+TEST_P(FailureTest, EndsWithItsStatusAndOneLineOnStandardError)
+{
+    const FailureCase &c = GetParam();
+    QStringList args = c.args;
+    args.replaceInStrings(QStringLiteral("$DATA"), kDataDir);
+    args.replaceInStrings(QStringLiteral("$TMP"), dir.path());
+    const Result r = run(args);
+    EXPECT_EQ(r.status, c.status) << r.err.toStdString();
+    EXPECT_TRUE(r.out.isEmpty()) << r.out.toStdString();
+    EXPECT_TRUE(r.err.startsWith(QStringLiteral("dlv-host: "))) << r.err.toStdString();
+    EXPECT_EQ(r.err.count(u'\n'), 1) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QString::fromUtf8(c.mentions))) << r.err.toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Runs, FailureTest,
+    ::testing::Values(
+        FailureCase{"UnknownOption", {"--colour"}, 2, "colour"},
+        FailureCase{"BadLanguage", {"--lang", "DE", "--panel"}, 2, "DE"},
+        FailureCase{"BadRefresh", {"--refresh", "0"}, 2, "--refresh"},
+        FailureCase{"UnknownSessionUnit",
+                    {"--data", "$DATA/two-crews.xml", "--session-units", "C1,ZZ", "--panel"},
+                    2,
+                    "ZZ"},
+        FailureCase{
+            "SelectOutsideTheSession",
+            {"--data", "$DATA/two-crews.xml", "--session-units", "C1", "--select", "C2", "--panel"},
+            2,
+            "C2"},
+        FailureCase{
+            "UnknownProfile", {"--data", "$DATA/two-crews.xml", "--profile", "Nope"}, 2, "Nope"},
+        FailureCase{"MissingDocument", {"--data", "$TMP/missing.xml", "--panel"}, 3, "missing.xml"},
+        FailureCase{"EmptyFolder", {"--data", "$TMP", "--panel"}, 3, "no data documents"},
+        FailureCase{"NotADataMessage",
+                    {"--data", "$DATA/../webdata/profile-single.xml", "--panel"},
+                    3,
+                    "profile-single.xml"}),
+    [](const ::testing::TestParamInfo<FailureCase> &info) { return std::string(info.param.name); });
+
+TEST_F(HostProcessTest, AnInvalidDocumentIsRefusedBeforeAnythingIsShown)
+{
+    QByteArray text = readAll(kTwoCrews);
+    text.replace("<Column name=\"HoursRemaining\"/>", "");
+    const QString bad = file(QStringLiteral("bad.xml"));
+    {
+        QFile f(bad);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(text);
+    }
+    const Result r = run({"--data", bad, "--screenshot", file(QStringLiteral("never.png"))});
+    EXPECT_EQ(r.status, 3);
+    EXPECT_EQ(r.err.count(u'\n'), 1) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QStringLiteral("bad.xml"))) << r.err.toStdString();
+    EXPECT_FALSE(QFile::exists(file(QStringLiteral("never.png"))));
+}
+
+} // namespace

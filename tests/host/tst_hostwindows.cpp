@@ -1,0 +1,202 @@
+// The host's windows with the real control: the start-up order, data after "ClientReady", the
+// server switch, detail requests, and the details window's search and export.
+#include "control/dlviewer.h"
+#include "control/dlvparams.h"
+#include "host/detailswindow.h"
+#include "host/detailtablemodel.h"
+#include "host/documentfeed.h"
+#include "host/hosttestprinters.h"
+#include "host/mainwindow.h"
+#include "host/profilestore.h"
+#include "webdata/qzwebprofiles.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTreeWidget>
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString kTwoCrews = QStringLiteral(DLV_HOST_DATA_DIR "/two-crews.xml");
+
+std::shared_ptr<const DetailRecords> records()
+{
+    using Status = DetailRecords::Status;
+    auto r = std::make_shared<DetailRecords>();
+    r->workOrders = {
+        {"W1", "C1", "INST", "RES", Status::Open, 5, "Ana Silva", QTime(9, 30)},
+        {"W2", "C1", "REP", "BUS", Status::Late, 1, "Ben, Jr.", QTime(8, 0)},
+        {"W3", "C1", "INST", "RES", Status::Completed, 5, "Ana Silva", QTime(13, 5)},
+        {"W4", "C1", "INST", "RES", Status::Completed, 5, "Cara", QTime(11, 0)},
+    };
+    return r;
+}
+
+TEST(DetailsWindow, SearchFiltersAllColumnsAndExportWritesTheRowsAsShown)
+{
+    auto *model = new DetailTableModel(DetailTableModel::Kind::WorkOrders, records(),
+                                       {{"C1"}, {}, {}, {}}, {});
+    QPointer<DetailsWindow> window = new DetailsWindow(model, "Work orders", {}, nullptr);
+    window->show();
+    EXPECT_EQ(window->visibleRowCount(), 4);
+    // Sorted by due time at first.
+    EXPECT_EQ(window->view()->model()->index(0, 0).data().toString(), "W2");
+
+    window->searchBox()->setText(QStringLiteral("ben, jr"));
+    EXPECT_EQ(window->visibleRowCount(), 1);
+    window->searchBox()->setText(QStringLiteral("completed"));
+    EXPECT_EQ(window->visibleRowCount(), 2);
+    auto *count = window->findChild<QLabel *>(QStringLiteral("count"));
+    ASSERT_TRUE(count);
+    EXPECT_EQ(count->text(), "2 of 4 work orders");
+
+    window->searchBox()->clear();
+    window->view()->sortByColumn(5, Qt::DescendingOrder); // points
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("details.csv"));
+    QString error;
+    ASSERT_TRUE(window->exportCsv(path, &error)) << error.toStdString();
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    const QList<QByteArray> lines = f.readAll().split('\n');
+    ASSERT_EQ(lines.size(), 6); // header, four rows, the empty piece after the last line end
+    EXPECT_EQ(lines[0],
+              "\xEF\xBB\xBFWork order,Unit,Job type,Job class,Status,Points,Technician,Due\r");
+    EXPECT_TRUE(lines[4].startsWith("W2,C1,REP,BUS,Late,1,\"Ben, Jr.\",08:00")) << lines[4].data();
+
+    QApplication::setActiveWindow(window); // shortcuts act in the active window
+    QTest::keyClick(window->view(), Qt::Key_Escape);
+    QApplication::processEvents();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(window.isNull()) << "Escape closes the window, which deletes itself";
+}
+
+class MainWindowTest : public ::testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(dir.isValid()); }
+
+    std::unique_ptr<MainWindow> makeWindow(const QString &startupProfile = {})
+    {
+        QString error;
+        auto feed = DocumentFeed::open(kTwoCrews, &error);
+        EXPECT_TRUE(feed) << error.toStdString();
+        auto store =
+            std::make_unique<ProfileStore>(dir.filePath("p.sqlite"), "tester", "DashlonViewer");
+        EXPECT_TRUE(store->open());
+        MainWindow::Settings settings;
+        settings.sessionUnits = feed->unitIds();
+        settings.startupProfile = startupProfile;
+        settings.timedRefresh = false;
+        return std::make_unique<MainWindow>(std::move(feed), std::move(store), settings);
+    }
+
+    // "ClientReady" schedules the first refresh on the event loop.
+    static void startAndWaitForData(MainWindow &window)
+    {
+        window.resize(1100, 700);
+        window.start();
+        window.show();
+        for (int i = 0; i < 50 && window.dataMessagesSent() == 0; ++i)
+            QApplication::processEvents();
+        ASSERT_EQ(window.dataMessagesSent(), 1);
+    }
+
+    template <typename T> static T *child(MainWindow &w, const char *name)
+    {
+        return w.viewer()->findChild<T *>(QString::fromLatin1(name));
+    }
+
+    QTemporaryDir dir;
+};
+
+TEST_F(MainWindowTest, StartsTheControlAndSendsDataAfterClientReady)
+{
+    auto window = makeWindow();
+    startAndWaitForData(*window);
+    auto *list = child<QTreeWidget>(*window, "lvBU");
+    ASSERT_TRUE(list);
+    QStringList keys;
+    for (int i = 0; i < list->topLevelItemCount(); ++i)
+        keys.append(list->topLevelItem(i)->data(0, Qt::UserRole).toString());
+    keys.sort();
+    EXPECT_EQ(keys, (QStringList{"_C1", "_C2", "_R1"}));
+}
+
+TEST_F(MainWindowTest, StoppingTheServerShowsItAndRestartingResumesData)
+{
+    auto window = makeWindow();
+    startAndWaitForData(*window);
+    auto *status = child<QLabel>(*window, "lblStatus");
+    ASSERT_TRUE(status);
+    window->stopServer();
+    EXPECT_FALSE(window->isServerRunning());
+    EXPECT_TRUE(status->isVisible());
+    EXPECT_FALSE(status->text().isEmpty());
+    window->refresh(); // nothing is sent while the server is stopped
+    EXPECT_EQ(window->dataMessagesSent(), 1);
+    window->restartServer();
+    EXPECT_TRUE(window->isServerRunning());
+    EXPECT_EQ(window->dataMessagesSent(), 2);
+    EXPECT_FALSE(status->isVisible());
+}
+
+TEST_F(MainWindowTest, ADetailRequestOpensAWindowWithTheRecordsBehindTheFigure)
+{
+    auto window = makeWindow();
+    startAndWaitForData(*window);
+    DLVParams params;
+    params.BUID = QStringLiteral("C1|C2");
+    params.Info = QStringLiteral("WORKORDER");
+    params.JobStatus = QStringLiteral("WOCompleted");
+    Q_EMIT window->viewer()->GetDetails(params);
+    DLVParams techs;
+    techs.BUID = QStringLiteral("C2");
+    techs.Info = QStringLiteral("USER");
+    Q_EMIT window->viewer()->GetDetails(techs);
+
+    const auto windows = window->findChildren<DetailsWindow *>();
+    ASSERT_EQ(windows.size(), 2);
+    EXPECT_EQ(windows[0]->visibleRowCount(), 30); // the document's completed work orders
+    EXPECT_EQ(windows[1]->visibleRowCount(), 5);  // Beta Crew's technicians
+    EXPECT_TRUE(windows[0]->isVisible());
+}
+
+TEST_F(MainWindowTest, TheStartupProfileIsAnsweredFirstOnceThenRequestsAreAnsweredAsAsked)
+{
+    {
+        ProfileStore store(dir.filePath("p.sqlite"), "tester", "DashlonViewer");
+        ASSERT_TRUE(store.open());
+        QZWebProfiles set;
+        set.add("Default");
+        set.add("Night");
+        ASSERT_TRUE(store.answerPutProfiles(set.toXml()).contains("<V>0</V>"));
+    }
+    auto window = makeWindow(QStringLiteral("Night"));
+    auto first = [](const QString &answer) {
+        const QZWebProfiles set = QZWebProfiles::fromXml(answer);
+        return set.count() ? set.item(1).name() : QString();
+    };
+    DLVParams params;
+    params.ProfileName = QStringLiteral("Default");
+    EXPECT_EQ(first(window->answerProfileRequest("GetProfiles", params)), "Night");
+    EXPECT_EQ(first(window->answerProfileRequest("GetProfiles", params)), "Default");
+}
+
+TEST_F(MainWindowTest, ClosingStopsTheControlAndTheFeed)
+{
+    auto window = makeWindow();
+    startAndWaitForData(*window);
+    window->close();
+    window->refresh();
+    window->restartServer();
+    EXPECT_EQ(window->dataMessagesSent(), 1);
+}
+
+} // namespace
