@@ -597,14 +597,6 @@ qint32 textToLong(QStringView text)
     return toLong(leadingNumber(text));
 }
 
-qint32 addChecked(qint32 a, qint32 b)
-{
-    qint32 sum = 0;
-    if (__builtin_add_overflow(a, b, &sum))
-        throw DLVError::overflow();
-    return sum;
-}
-
 double round2(double value)
 {
     if (!std::isfinite(value))

@@ -10,6 +10,12 @@
 
 namespace ErrorTrap {
 
+/// The location text of a procedure of the control: "DLViewer." followed by its name.
+[[nodiscard]] inline QString viewerLocation(const char *procedure)
+{
+    return QStringLiteral("DLViewer.") + QLatin1String(procedure);
+}
+
 /// Reports one trapped error: through the reporter when there is one, else to the log (a
 /// controller without a reporter must still not swallow failures silently).
 inline void report(ErrorReporter *reporter, qint32 number, const QString &description,

@@ -23,10 +23,6 @@ const QString kList = QStringLiteral("List");
 const QString kListIds[3] = {QStringLiteral("JobTypes"), QStringLiteral("BUWorkOrders"),
                              QStringLiteral("BUPoints")};
 
-QString location(const char *procedure)
-{
-    return QStringLiteral("DLViewer.") + QLatin1String(procedure);
-}
 
 QZWebTable &requireSection(QZWebProfile &profile, QStringView name)
 {
@@ -101,7 +97,7 @@ void ProfileDocument::writeCollapsedNodes(QZWebTable &nodes)
 
 void ProfileDocument::UpdateCurrentProfile(bool structureOnly)
 {
-    ErrorTrap::run(&m_host.errorReporter(), location("UpdateCurrentProfile"), [&] {
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("UpdateCurrentProfile"), [&] {
         if (!m_current)
             return;
         if (!structureOnly) {
@@ -118,7 +114,7 @@ void ProfileDocument::UpdateCurrentProfile(bool structureOnly)
 
 void ProfileDocument::InitProfileSettings()
 {
-    ErrorTrap::run(&m_host.errorReporter(), location("InitProfileSettings"), [&] {
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("InitProfileSettings"), [&] {
         if (!m_current)
             return;
         bool changed = false;
@@ -148,7 +144,7 @@ void ProfileDocument::InitProfileSettings()
 
 void ProfileDocument::LoadProfileSettings()
 {
-    ErrorTrap::run(&m_host.errorReporter(), location("LoadProfileSettings"), [&] {
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("LoadProfileSettings"), [&] {
         // Settings applied before the host sent a profile (a host that sends data too early)
         // give the default view, like a profile without the row.
         const QZWebTable *select = m_current ? m_current->section(selectSection) : nullptr;
@@ -204,7 +200,7 @@ void ProfileDocument::LoadProfileSettings()
 
 void ProfileDocument::SaveNodesToProfile(QZWebTable &nodes, const QString &ID, int gridIndex)
 {
-    ErrorTrap::run(&m_host.errorReporter(), location("SaveNodesToProfile"), [&] {
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("SaveNodesToProfile"), [&] {
         const int row = gridIndex + 1;
         nodes.setField(row, kID, ID);
         const StringSet collapsed = m_host.collapsedList(gridIndex);
@@ -218,7 +214,7 @@ void ProfileDocument::SaveNodesToProfile(QZWebTable &nodes, const QString &ID, i
 
 void ProfileDocument::RestoreNodes(const QString &ID, int gridIndex)
 {
-    ErrorTrap::run(&m_host.errorReporter(), location("RestoreNodes"), [&] {
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("RestoreNodes"), [&] {
         m_host.expandAll(gridIndex);
         const QZWebTable *nodes = m_current ? m_current->section(nodesSection) : nullptr;
         // Exactly three rows or nothing: anything else leaves the grid fully expanded.
@@ -235,7 +231,7 @@ void ProfileDocument::RestoreNodes(const QString &ID, int gridIndex)
 
 void ProfileDocument::SetCollapsedNodes(int gridIndex, const QZWebTable &nodes, int row)
 {
-    ErrorTrap::run(&m_host.errorReporter(), location("SetCollapsedNodes"), [&] {
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("SetCollapsedNodes"), [&] {
         const QString list = nodes.field(row, kList);
         if (list.isEmpty())
             return;

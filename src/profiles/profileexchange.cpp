@@ -17,10 +17,6 @@ namespace {
 
 const QString kDefault = QStringLiteral("Default");
 
-QString location(const char *procedure)
-{
-    return QStringLiteral("DLViewer.") + QLatin1String(procedure);
-}
 
 } // namespace
 
@@ -65,7 +61,7 @@ void ProfileExchange::GetProfileList()
 {
     if (m_stopped)
         return;
-    ErrorTrap::run(&m_host.errorReporter(), location("GetProfileList"), [&] {
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("GetProfileList"), [&] {
         DLVParams params;
         request(ProfileHost::Request::GetProfileList, params);
     });
@@ -75,7 +71,7 @@ void ProfileExchange::GetProfile()
 {
     if (m_stopped)
         return;
-    ErrorTrap::run(&m_host.errorReporter(), location("GetProfile"), [&] {
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("GetProfile"), [&] {
         DLVParams params;
         params.ProfileName = kDefault;
         request(ProfileHost::Request::GetProfiles, params);
@@ -86,7 +82,7 @@ void ProfileExchange::ChooseNewProfile(const QString &name)
 {
     if (m_stopped)
         return;
-    ErrorTrap::run(&m_host.errorReporter(), location("ChooseNewProfile"), [&] {
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("ChooseNewProfile"), [&] {
         if (!name.isEmpty()) {
             DLVParams params;
             params.ProfileName = name;
@@ -113,7 +109,7 @@ void ProfileExchange::SaveProfileAs(const QString &name)
 {
     if (m_stopped)
         return;
-    ErrorTrap::run(&m_host.errorReporter(), location("SaveProfileAs"), [&] {
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("SaveProfileAs"), [&] {
         QZWebProfiles set;
         QZWebProfile &profile = set.add(name);
         QZWebTable &select = profile.addSection(QString::fromUtf16(ProfileDocument::selectSection),
@@ -138,7 +134,7 @@ void ProfileExchange::ReceiveProfileResponse(const QString &ResultXML, const QSt
     if (m_stopped)
         return;
     m_host.setHourglass(false);
-    ErrorTrap::run(&m_host.errorReporter(), location("ReceiveProfileResponse"), [&] {
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("ReceiveProfileResponse"), [&] {
         using Request = ProfileHost::Request;
         const auto is = [&FunctionName](Request r) {
             return FunctionName == ProfileHost::requestName(r);
@@ -153,7 +149,7 @@ void ProfileExchange::ReceiveProfileResponse(const QString &ResultXML, const QSt
         // A host error, or an answer the envelope could not even read, has been reported by now.
         const int reportsBefore = m_reporter.count;
         bool recognised = false;
-        m_envelope.ParseResult(QVariant(ResultXML), location("ReceiveProfileResponse"), recognised);
+        m_envelope.ParseResult(QVariant(ResultXML), ErrorTrap::viewerLocation("ReceiveProfileResponse"), recognised);
         const bool failed = m_envelope.LastErrorNumber() != 0 || m_reporter.count != reportsBefore;
 
         if (is(Request::GetProfileList)) {
@@ -213,7 +209,7 @@ void ProfileExchange::receiveFirstProfiles(const QString &result, bool failed)
             QZWebProfiles loaded = QZWebProfiles::fromXml(result);
             m_document.replaceProfiles(std::move(loaded));
         } catch (const DLVError &e) {
-            m_host.errorReporter().report(e, location("ReceiveProfileResponse"));
+            m_host.errorReporter().report(e, ErrorTrap::viewerLocation("ReceiveProfileResponse"));
         }
     }
     if (m_document.profiles().count() == 0) {
@@ -265,7 +261,7 @@ QStringList ProfileExchange::sortNames(const QStringList &names)
 QStringList ProfileExchange::SortProfiles()
 {
     QStringList sorted;
-    ErrorTrap::run(&m_host.errorReporter(), location("SortProfiles"), [&] {
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("SortProfiles"), [&] {
         QStringList names;
         names.reserve(m_names.count());
         for (const auto &entry : m_names)
@@ -279,7 +275,7 @@ void ProfileExchange::ConfigureProfileMenu()
 {
     if (m_stopped)
         return;
-    ErrorTrap::run(&m_host.errorReporter(), location("ConfigureProfileMenu"), [&] {
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("ConfigureProfileMenu"), [&] {
         m_menu.resize(1);
         const QStringList names = SortProfiles();
         if (names.isEmpty())
@@ -355,7 +351,7 @@ void ProfileExchange::frmProf_AddProfile(const QString &name)
 {
     if (m_stopped)
         return;
-    ErrorTrap::run(&m_host.errorReporter(), location("frmProf_AddProfile"), [&] {
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("frmProf_AddProfile"), [&] {
         DLVParams params;
         params.ProfileName = name;
         request(ProfileHost::Request::AddProfiles, params);
@@ -366,7 +362,7 @@ void ProfileExchange::frmProf_RemoveProfile(const QString &name)
 {
     if (m_stopped)
         return;
-    ErrorTrap::run(&m_host.errorReporter(), location("frmProf_RemoveProfile"), [&] {
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("frmProf_RemoveProfile"), [&] {
         DLVParams params;
         params.ProfileName = name;
         request(ProfileHost::Request::RemoveProfiles, params);

@@ -120,7 +120,7 @@ QPixmap paintName(const QFont &baseFont)
     return pixmap;
 }
 
-QLabel *makeLabel(const QString &name, QWidget *parent)
+QLabel *makeAboutLabel(const QString &name, QWidget *parent)
 {
     auto *label = new QLabel(parent);
     label->setObjectName(name);
@@ -142,19 +142,19 @@ frmGenAbout::frmGenAbout(QWidget *parent) : QDialog(parent)
     setModal(true);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
 
-    m_logo = makeLabel(QStringLiteral("imgLogo"), this);
+    m_logo = makeAboutLabel(QStringLiteral("imgLogo"), this);
     m_logo->setPixmap(paintLogo());
     m_logo->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     m_logo->setContentsMargins(0, 0, LogoGap, 0);
 
-    m_title = makeLabel(QStringLiteral("lblTitle"), this);
+    m_title = makeAboutLabel(QStringLiteral("lblTitle"), this);
     QFont titleFont = m_title->font();
     titleFont.setPointSizeF(titleFont.pointSizeF() * 1.6);
     titleFont.setBold(true);
     m_title->setFont(titleFont);
     m_title->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 
-    m_description = makeLabel(QStringLiteral("lblDescription"), this);
+    m_description = makeAboutLabel(QStringLiteral("lblDescription"), this);
     m_description->setWordWrap(true);
     m_description->setAlignment(Qt::AlignRight | Qt::AlignTop);
     QFont descriptionFont = m_description->font();
@@ -164,10 +164,10 @@ frmGenAbout::frmGenAbout(QWidget *parent) : QDialog(parent)
     muted.setColor(QPalette::WindowText, QColor(0x44, 0x4b, 0x55));
     m_description->setPalette(muted);
 
-    m_comments = makeLabel(QStringLiteral("lblComments"), this);
+    m_comments = makeAboutLabel(QStringLiteral("lblComments"), this);
     m_comments->setWordWrap(true);
     m_comments->setContentsMargins(3, BlockGap, 0, 4);
-    m_rights = makeLabel(QStringLiteral("lblRights"), this);
+    m_rights = makeAboutLabel(QStringLiteral("lblRights"), this);
     m_rights->setWordWrap(true);
     m_rights->setContentsMargins(3, 0, 0, RuleGap);
     m_rights->setPalette(muted);
@@ -181,13 +181,13 @@ frmGenAbout::frmGenAbout(QWidget *parent) : QDialog(parent)
         m_lines[i] = line;
     }
 
-    m_name = makeLabel(QStringLiteral("imgName"), this);
+    m_name = makeAboutLabel(QStringLiteral("imgName"), this);
     m_name->setPixmap(paintName(font()));
     m_name->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     m_name->setContentsMargins(0, 0, NameGap, 0);
 
-    m_verText = makeLabel(QStringLiteral("lblVerText"), this);
-    m_version = makeLabel(QStringLiteral("lblVersion"), this);
+    m_verText = makeAboutLabel(QStringLiteral("lblVerText"), this);
+    m_version = makeAboutLabel(QStringLiteral("lblVersion"), this);
     m_version->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
     m_ok = new QPushButton(this);

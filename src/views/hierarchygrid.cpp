@@ -14,16 +14,8 @@ const QString HierarchyGrid::RootKey = QStringLiteral("#");
 
 namespace {
 
-constexpr int LastCol = HierarchyGrid::ColumnCount - 1;
+constexpr int HierarchyLastCol = HierarchyGrid::ColumnCount - 1;
 constexpr int StatusCount = 7;
-
-qint32 addCounter(qint32 a, qint32 b)
-{
-    qint32 sum = 0;
-    if (__builtin_add_overflow(a, b, &sum)) [[unlikely]]
-        throw DLVError::overflow();
-    return sum;
-}
 
 /// Figures of one row: technicians, hours remaining, hours worked, the seven work-order and the
 /// seven point counts.
@@ -38,15 +30,15 @@ struct RowFigures
 
     void add(const BusinessUnit &bu)
     {
-        techCount = addCounter(techCount, bu.TechCount());
-        hoursRemaining = addCounter(hoursRemaining, bu.HoursRemaining());
-        hoursWorked = addCounter(hoursWorked, bu.HoursWorked());
+        techCount = Conv::addChecked(techCount, bu.TechCount());
+        hoursRemaining = Conv::addChecked(hoursRemaining, bu.HoursRemaining());
+        hoursWorked = Conv::addChecked(hoursWorked, bu.HoursWorked());
         const auto &totals = bu.GrandTotals();
         for (int s = 0; s < StatusCount; ++s) {
             workOrders[std::size_t(s)] =
-                addCounter(workOrders[std::size_t(s)], totals[std::size_t(s)]);
+                Conv::addChecked(workOrders[std::size_t(s)], totals[std::size_t(s)]);
             points[std::size_t(s)] =
-                addCounter(points[std::size_t(s)], totals[std::size_t(s + StatusCount)]);
+                Conv::addChecked(points[std::size_t(s)], totals[std::size_t(s + StatusCount)]);
         }
         reached = true;
     }
@@ -69,7 +61,7 @@ void writeFigures(OutlineGrid &grid, int row, const RowFigures &f,
     grid.setText(row, 3, QString::number(f.hoursWorked));
     for (int s = 0; s < StatusCount; ++s)
         grid.setText(row, 4 + s, QString::number(counts[std::size_t(s)]));
-    grid.setText(row, LastCol, productivityText(counts[4], f.hoursWorked));
+    grid.setText(row, HierarchyLastCol, productivityText(counts[4], f.hoursWorked));
 }
 
 /// Disjoint sets over the units, each set being one subtree of the forest the moves have built so
@@ -129,22 +121,22 @@ void HierarchyGrid::InitBUHierarchyGrid(OutlineGrid &grid, int index, const Capt
     grid.setColWidth(0, SummaryGrid::pixelsToTwips(150, twipsPerPixelX));
 
     grid.setBackColor(0, 0, 1, 3, OutlineGrid::fromBgr(HeaderBgr));
-    grid.setBold(0, 0, 0, LastCol, true);
-    grid.setBackColor(0, LastCol, 1, LastCol, OutlineGrid::fromBgr(ProductivityBgr));
+    grid.setBold(0, 0, 0, HierarchyLastCol, true);
+    grid.setBackColor(0, HierarchyLastCol, 1, HierarchyLastCol, OutlineGrid::fromBgr(ProductivityBgr));
 
-    grid.setText(0, LastCol, caption(QStringLiteral("Productivity")));
+    grid.setText(0, HierarchyLastCol, caption(QStringLiteral("Productivity")));
     static const char *const keys[] = {
         "BusinessUnits", "TechCount", "HoursRemaining", "HoursCompleted", "Open",   "Warning",
         "Jeopardy",      "Late",      "Completed",      "Canceled",       "NotDone"};
-    for (int c = 0; c < LastCol; ++c)
+    for (int c = 0; c < HierarchyLastCol; ++c)
         grid.setText(1, c, caption(QString::fromLatin1(keys[c])));
     const bool points = index == 2;
     // The same caption over every count column: the header merges them into one band.
-    grid.setText(0, 4, 0, LastCol - 1,
+    grid.setText(0, 4, 0, HierarchyLastCol - 1,
                  caption(points ? QStringLiteral("Points") : QStringLiteral("WorkOrders")));
-    grid.setText(1, LastCol,
+    grid.setText(1, HierarchyLastCol,
                  caption(points ? QStringLiteral("PtsPerHour") : QStringLiteral("WOsPerHour")));
-    grid.setBackColor(0, 4, 1, LastCol - 1, OutlineGrid::fromBgr(CountsBgr));
+    grid.setBackColor(0, 4, 1, HierarchyLastCol - 1, OutlineGrid::fromBgr(CountsBgr));
     grid.setOutlineCol(0);
     grid.setOutlineTextCol(-1);
 }
@@ -297,7 +289,7 @@ void HierarchyGrid::GreyUnreached(OutlineGrid &grid)
     const QColor grey = OutlineGrid::fromBgr(UnreachedBgr);
     for (int row = 2; row < grid.rowCount(); ++row) {
         if (grid.text(row, 1).isEmpty())
-            grid.setBackColor(row, 0, row, LastCol, grey);
+            grid.setBackColor(row, 0, row, HierarchyLastCol, grey);
     }
 }
 

@@ -16,7 +16,7 @@
 namespace {
 
 constexpr int Counters = BusinessUnit::CounterCount;
-constexpr int LastCol = SummaryGrid::ColumnCount - 1;
+constexpr int SummaryLastCol = SummaryGrid::ColumnCount - 1;
 
 /// A class row while its counters are summed over the units.
 struct SumRow
@@ -76,20 +76,10 @@ void addToPanel(PanelValues &panel, const BusinessUnit &bu)
     panel.ptsPerHrReq = Conv::rate(operand(panel.ptsOpen), operand(panel.hoursRemaining));
 }
 
-/// A checked 32-bit sum (the overflow error past the range), inline: the class rows take
-/// millions of these per refresh.
-qint32 addCounter(qint32 a, qint32 b)
-{
-    qint32 sum = 0;
-    if (__builtin_add_overflow(a, b, &sum)) [[unlikely]]
-        throw DLVError::overflow();
-    return sum;
-}
-
 void addCounters(std::array<qint32, Counters> &sum, const JobClass &jc)
 {
     for (int s = 0; s < Counters; ++s)
-        sum[std::size_t(s)] = addCounter(sum[std::size_t(s)], jc.GetJobDetails(s));
+        sum[std::size_t(s)] = Conv::addChecked(sum[std::size_t(s)], jc.GetJobDetails(s));
 }
 
 /// Sets key to a + separator + b, reusing its buffer (no allocation once it is large enough).
@@ -125,14 +115,14 @@ void SummaryGrid::InitSingleBUGrid(const CaptionLookup &caption, double twipsPer
     m_grid.setFixedRows(2);
     m_grid.setRowHeight(1, 2 * m_grid.rowHeight(0));
 
-    m_grid.setBackColor(0, 0, 1, LastCol, OutlineGrid::fromBgr(HeaderBgr));
+    m_grid.setBackColor(0, 0, 1, SummaryLastCol, OutlineGrid::fromBgr(HeaderBgr));
     m_grid.setBackColor(0, 3, 1, 9, OutlineGrid::fromBgr(WorkOrdersBgr));
-    m_grid.setBackColor(0, 10, 1, LastCol, OutlineGrid::fromBgr(PointsBgr));
-    m_grid.setBold(0, 0, 0, LastCol, true);
+    m_grid.setBackColor(0, 10, 1, SummaryLastCol, OutlineGrid::fromBgr(PointsBgr));
+    m_grid.setBold(0, 0, 0, SummaryLastCol, true);
 
     // The same caption in every cell of a block: the header merges equal cells into one band.
     m_grid.setText(0, 3, 0, 9, caption(QStringLiteral("WorkOrders")));
-    m_grid.setText(0, 10, 0, LastCol, caption(QStringLiteral("Points")));
+    m_grid.setText(0, 10, 0, SummaryLastCol, caption(QStringLiteral("Points")));
     m_grid.setText(1, 2, caption(QStringLiteral("JobTypesAndJobClasses")));
     static const char *const statuses[] = {"Open",      "Warning",  "Jeopardy", "Late",
                                            "Completed", "Canceled", "NotDone"};
@@ -238,9 +228,9 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
         // Nothing to show: one grey total row, labelled in the tree column.
         const int r = m_grid.addRow();
         m_grid.setText(r, 2, totalCaption);
-        m_grid.setText(r, 3, r, LastCol, QStringLiteral("0"));
-        m_grid.setBold(r, 0, r, LastCol, true);
-        m_grid.setBackColor(r, 2, r, LastCol, grey);
+        m_grid.setText(r, 3, r, SummaryLastCol, QStringLiteral("0"));
+        m_grid.setBold(r, 0, r, SummaryLastCol, true);
+        m_grid.setBackColor(r, 2, r, SummaryLastCol, grey);
         boldColumn1();
         return;
     }
@@ -314,7 +304,7 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
         for (const BusinessUnit *bu : units) {
             for (int s = 0; s < Counters; ++s)
                 values[std::size_t(s)] =
-                    addCounter(values[std::size_t(s)], bu->GrandTotals()[std::size_t(s)]);
+                    Conv::addChecked(values[std::size_t(s)], bu->GrandTotals()[std::size_t(s)]);
         }
         setCountersText(total, values);
     }
@@ -399,8 +389,8 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
                 m_grid.setText(r, FirstCounterCol + s, line.counters[std::size_t(s)]);
         }
         if (line.node) {
-            m_grid.setBackColor(r, 0, r, LastCol, grey);
-            m_grid.setBold(r, 0, r, LastCol, true);
+            m_grid.setBackColor(r, 0, r, SummaryLastCol, grey);
+            m_grid.setBold(r, 0, r, SummaryLastCol, true);
         }
         if (!line.key.isEmpty())
             m_grid.setRowData(r, line.key);

@@ -14,7 +14,7 @@
 
 namespace {
 
-const QString kDataDir = QStringLiteral(DLV_HOST_DATA_DIR);
+const QString kHostDataDir = QStringLiteral(DLV_HOST_DATA_DIR);
 
 QByteArray readFile(const QString &path)
 {
@@ -31,7 +31,7 @@ bool writeFile(const QString &path, const QByteArray &bytes)
 TEST(DocumentFeed, ReadsADocumentWithItsDetailsAndKeepsThemFromTheControl)
 {
     QString error;
-    auto feed = DocumentFeed::open(kDataDir + QStringLiteral("/two-crews.xml"), &error);
+    auto feed = DocumentFeed::open(kHostDataDir + QStringLiteral("/two-crews.xml"), &error);
     ASSERT_TRUE(feed) << error.toStdString();
     EXPECT_EQ(feed->unitIds(), (QStringList{"R1", "C1", "C2"}));
     const DataFeed::Frame frame = feed->next();
@@ -49,7 +49,7 @@ TEST(DocumentFeed, ReadsADocumentWithItsDetailsAndKeepsThemFromTheControl)
 TEST(DocumentFeed, SendsAFolderInNumericFileNameOrderAndStaysOnTheLast)
 {
     QString error;
-    auto feed = DocumentFeed::open(kDataDir + QStringLiteral("/sequence"), &error);
+    auto feed = DocumentFeed::open(kHostDataDir + QStringLiteral("/sequence"), &error);
     ASSERT_TRUE(feed) << error.toStdString();
     ASSERT_EQ(feed->documentCount(), 2);
     EXPECT_TRUE(feed->fileNames()[0].endsWith(QStringLiteral("2-morning.xml")));
@@ -83,7 +83,7 @@ TEST(DocumentFeed, AcceptsTheDemoDataWrittenAsADocument)
 TEST(DocumentFeed, ServerStoppedDocumentsArePartOfARecording)
 {
     QTemporaryDir dir;
-    ASSERT_TRUE(QFile::copy(kDataDir + QStringLiteral("/two-crews.xml"),
+    ASSERT_TRUE(QFile::copy(kHostDataDir + QStringLiteral("/two-crews.xml"),
                             dir.filePath(QStringLiteral("01.xml"))));
     ASSERT_TRUE(writeFile(dir.filePath(QStringLiteral("02.xml")),
                           "<WebMessage name=\"DLVServerStopped\"/>"));
@@ -111,7 +111,7 @@ class BadDocumentTest : public ::testing::TestWithParam<BadDocumentCase>
 TEST_P(BadDocumentTest, IsRefusedWithAReasonNamingTheFileAndTheFault)
 {
     const BadDocumentCase &c = GetParam();
-    QByteArray text = readFile(kDataDir + QStringLiteral("/two-crews.xml"));
+    QByteArray text = readFile(kHostDataDir + QStringLiteral("/two-crews.xml"));
     ASSERT_TRUE(text.contains(c.from)) << c.from;
     text.replace(c.from, c.to);
     QTemporaryDir dir;
@@ -151,14 +151,14 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(DocumentFeed, RefusesMissingPathsEmptyFoldersAndFoldersWithABadDocument)
 {
     QString error;
-    EXPECT_FALSE(DocumentFeed::open(kDataDir + QStringLiteral("/no-such-file.xml"), &error));
+    EXPECT_FALSE(DocumentFeed::open(kHostDataDir + QStringLiteral("/no-such-file.xml"), &error));
     EXPECT_TRUE(error.contains(QStringLiteral("no such file")));
 
     QTemporaryDir dir;
     EXPECT_FALSE(DocumentFeed::open(dir.path(), &error));
     EXPECT_TRUE(error.contains(QStringLiteral("no data documents")));
 
-    ASSERT_TRUE(QFile::copy(kDataDir + QStringLiteral("/two-crews.xml"),
+    ASSERT_TRUE(QFile::copy(kHostDataDir + QStringLiteral("/two-crews.xml"),
                             dir.filePath(QStringLiteral("1.xml"))));
     ASSERT_TRUE(writeFile(dir.filePath(QStringLiteral("2.xml")), "not xml"));
     EXPECT_FALSE(DocumentFeed::open(dir.path(), &error));

@@ -16,8 +16,8 @@
 
 namespace {
 
-const QString kDataDir = QStringLiteral(DLV_HOST_DATA_DIR);
-const QString kTwoCrews = kDataDir + QStringLiteral("/two-crews.xml");
+const QString kProcessDataDir = QStringLiteral(DLV_HOST_DATA_DIR);
+const QString kTwoCrews = kProcessDataDir + QStringLiteral("/two-crews.xml");
 
 struct Result
 {
@@ -117,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(HostProcessTest, AFolderIsSentInFileNameOrder)
 {
     const Result r =
-        run({"--data", kDataDir + QStringLiteral("/sequence"), "--select", "C1,C2", "--panel"});
+        run({"--data", kProcessDataDir + QStringLiteral("/sequence"), "--select", "C1,C2", "--panel"});
     ASSERT_EQ(r.status, 0) << r.err.toStdString();
     EXPECT_EQ(r.out, kBothCrews) << "the batch run shows the first document, 2-morning.xml";
 }
@@ -144,7 +144,7 @@ TEST_P(ExportTest, WritesTheGridInViewAsExpected)
     const QString csv = file(QStringLiteral("grid.csv"));
     const Result r = run(QStringList{"--data", kTwoCrews, "--export-csv", csv} + GetParam().args);
     ASSERT_EQ(r.status, 0) << r.err.toStdString();
-    const QByteArray expected = readAll(kDataDir + QStringLiteral("/expected/") +
+    const QByteArray expected = readAll(kProcessDataDir + QStringLiteral("/expected/") +
                                         QString::fromLatin1(GetParam().expectedFile));
     ASSERT_FALSE(expected.isEmpty());
     EXPECT_EQ(readAll(csv), expected);
@@ -225,7 +225,7 @@ TEST_P(FailureTest, EndsWithItsStatusAndOneLineOnStandardError)
 {
     const FailureCase &c = GetParam();
     QStringList args = c.args;
-    args.replaceInStrings(QStringLiteral("$DATA"), kDataDir);
+    args.replaceInStrings(QStringLiteral("$DATA"), kProcessDataDir);
     args.replaceInStrings(QStringLiteral("$TMP"), dir.path());
     const Result r = run(args);
     EXPECT_EQ(r.status, c.status) << r.err.toStdString();

@@ -295,10 +295,11 @@ TEST_P(Exchange, SaveAsAnExistingNameAsksFirst)
         EXPECT_EQ(messages[0].text,
                   rig.host.captionCatalogue.caption(QStringLiteral("ProfileOverwrite")));
         EXPECT_EQ(messages[0].title, QStringLiteral("Profile : ") + entered);
-        if (!r.expected.empty() &&
-            r.expected[0] == Request::SaveProfileAs) // under the name as entered
+        // Saved under the name as entered.
+        if (!r.expected.empty() && r.expected[0] == Request::SaveProfileAs) {
             EXPECT_EQ(QZWebProfiles::fromXml(rig.host.raised[0].params.ProfilesXML).item(1).name(),
                       entered);
+        }
     }
 }
 

@@ -66,10 +66,11 @@ TEST(CaptionTables, EnglishTextsAreTheProductsOwn)
     // The error dialog's English without a catalogue must match the English table.
     for (const QString &key : CaptionCatalogue::knownKeys())
         if (key.startsWith(QLatin1String("frmError-")) ||
-            key.startsWith(QLatin1String("fraError-")))
+            key.startsWith(QLatin1String("fraError-"))) {
             EXPECT_EQ(frmError::englishText(key),
                       CaptionCatalogue::builtInText(QStringLiteral("EN"), key).value_or(QString()))
                 << key.toStdString();
+        }
 }
 
 TEST(CaptionCatalogue, FollowsOverrideThenLanguageThenEnglishThenKey)

@@ -66,8 +66,9 @@ TEST(MessageBoxes, AnswerIconAndButtonTexts)
             for (QAbstractButton *button : box->buttons())
                 texts << button->text();
             texts.sort();
-            if (!r.buttonTexts.isEmpty())
+            if (!r.buttonTexts.isEmpty()) {
                 EXPECT_EQ(texts, r.buttonTexts);
+            }
             r.act(box);
         });
         TestWidgetDialogHost host;

@@ -1,3 +1,4 @@
+#include "loadedmodel.h"
 #include "model/cdlvcontroller.h"
 #include "model/dlvdatabuilder.h"
 #include "model/fakesurface.h"
@@ -16,39 +17,12 @@
 
 namespace {
 
-struct LoadedModel
-{
-    explicit LoadedModel(const DLVDataBuilder &data)
-    {
-        controller.Initialize(&surface);
-        controller.ReceiveMessage(data.variant(), 0, QString());
-        controller.SingleBUGridBusy = false;
-        controller.HierarchyGridBusy = false;
-    }
-    RecordingReporter reporter;
-    FakeSurface surface;
-    cDLVController controller{&reporter};
-};
-
-StringSet ids(const QStringList &list)
-{
-    StringSet set;
-    for (const QString &id : list)
-        set.add(id, id);
-    return set;
-}
-
 std::vector<std::string> keys(const StringSet &set)
 {
     std::vector<std::string> out;
     for (const auto &entry : set)
         out.push_back(entry.key.toStdString());
     return out;
-}
-
-QString identity(const QString &key)
-{
-    return key;
 }
 
 DLVDataBuilder regions(bool withRegion2)

@@ -1,4 +1,5 @@
 #include "common/dlverror.h"
+#include "loadedmodel.h"
 #include "model/cdlvcontroller.h"
 #include "model/dlvdatabuilder.h"
 #include "model/fakesurface.h"
@@ -13,33 +14,6 @@
 #include <vector>
 
 namespace {
-
-struct LoadedModel
-{
-    explicit LoadedModel(const DLVDataBuilder &data)
-    {
-        controller.Initialize(&surface);
-        controller.ReceiveMessage(data.variant(), 0, QString());
-        controller.SingleBUGridBusy = false;
-        controller.HierarchyGridBusy = false;
-    }
-    RecordingReporter reporter;
-    FakeSurface surface;
-    cDLVController controller{&reporter};
-};
-
-StringSet ids(const QStringList &list)
-{
-    StringSet set;
-    for (const QString &id : list)
-        set.add(id, id);
-    return set;
-}
-
-QString identity(const QString &key)
-{
-    return key;
-}
 
 struct Grids
 {

@@ -1,4 +1,5 @@
 #include "common/dlverror.h"
+#include "loadedmodel.h"
 #include "model/cdlvcontroller.h"
 #include "model/dlvdatabuilder.h"
 #include "model/fakesurface.h"
@@ -13,29 +14,6 @@
 #include <vector>
 
 namespace {
-
-/// A controller that has loaded one data message, with no views attached.
-struct LoadedModel
-{
-    explicit LoadedModel(const DLVDataBuilder &data)
-    {
-        controller.Initialize(&surface);
-        controller.ReceiveMessage(data.variant(), 0, QString());
-        controller.SingleBUGridBusy = false;
-        controller.HierarchyGridBusy = false;
-    }
-    RecordingReporter reporter;
-    FakeSurface surface;
-    cDLVController controller{&reporter};
-};
-
-StringSet ids(const QStringList &list)
-{
-    StringSet set;
-    for (const QString &id : list)
-        set.add(id, id);
-    return set;
-}
 
 /// Counters from index 0 on, the rest "0".
 QStringList counters(std::initializer_list<int> values)
