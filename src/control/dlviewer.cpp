@@ -5,13 +5,13 @@
 #include "control/dlviewer_p.h"
 #include "control/profilehostadapter.h"
 #include "model/cdlvcontroller.h"
+#include "profiles/profiledialoghost.h"
+#include "profiles/profileexchange.h"
 #include "ui/captioncatalogue.h"
 #include "ui/dialoghost.h"
 #include "ui/errorreport.h"
-#include "profiles/profiledialoghost.h"
 #include "views/outlinegridview.h"
 #include "views/panellayout.h"
-#include "profiles/profileexchange.h"
 #include "webdata/qzwebtransport.h"
 
 #include <QAction>
@@ -30,7 +30,6 @@
 #include <QToolBar>
 #include <QToolButton>
 #include <QTreeWidget>
-
 #include <cmath>
 
 namespace {
@@ -40,6 +39,13 @@ constexpr int kPanelRowHeight = 22;
 constexpr int kPanelRows = 4;
 
 const QColor kStatusBlue(0, 0, 255);
+
+// A caption the panel layout may shorten to its column; the whole text is kept beside it.
+void setFullText(QLabel *label, const QString &text)
+{
+    label->setProperty("fullText", text);
+    label->setText(text);
+}
 const QColor kStatusRed(255, 0, 0);
 
 // A public method's argument that must convert; a failure reaches the host as the platform's
@@ -53,14 +59,15 @@ qint32 variantToLong(const QVariant &value)
         bool ok = false;
         const double d = text.isEmpty() ? 0.0 : text.toDouble(&ok);
         if (!text.isEmpty() && !ok)
-            throw DLVError::typeMismatch(QStringLiteral("DataType \"%1\" is not a number").arg(text));
+            throw DLVError::typeMismatch(
+                QStringLiteral("DataType \"%1\" is not a number").arg(text));
         return Conv::toLong(d);
     }
     bool ok = false;
     const double d = value.toDouble(&ok);
     if (!ok)
-        throw DLVError::typeMismatch(
-            QStringLiteral("DataType of type %1 is not a number").arg(QString::fromLatin1(value.typeName())));
+        throw DLVError::typeMismatch(QStringLiteral("DataType of type %1 is not a number")
+                                         .arg(QString::fromLatin1(value.typeName())));
     return Conv::toLong(d);
 }
 
@@ -69,8 +76,8 @@ QString variantToString(const QVariant &value)
     if (!value.isValid())
         return {};
     if (!value.canConvert<QString>())
-        throw DLVError::typeMismatch(
-            QStringLiteral("Tag of type %1 is not text").arg(QString::fromLatin1(value.typeName())));
+        throw DLVError::typeMismatch(QStringLiteral("Tag of type %1 is not text")
+                                         .arg(QString::fromLatin1(value.typeName())));
     return value.toString();
 }
 
@@ -129,9 +136,9 @@ void DLViewerPrivate::createWidgets()
     };
     btnSaveGrid = addButton("SaveGrid", QStyle::SP_DialogSaveButton);
     btnPrintGrid = addButton("PrintGrid", QStyle::SP_FileDialogDetailedView);
-    tbMain->addSeparator();
+    dataSeparators[0] = tbMain->addSeparator();
     btnProfiles = addButton("Profiles", QStyle::SP_FileDialogListView);
-    tbMain->addSeparator();
+    dataSeparators[1] = tbMain->addSeparator();
     btnHelp = addButton("Help", QStyle::SP_MessageBoxInformation);
 
     mnuProfileSection = new QMenu(q);
@@ -213,8 +220,8 @@ void DLViewerPrivate::createWidgets()
     fraBU[1]->setVisible(false);
     createGrids();
 
-    for (QWidget *w : std::initializer_list<QWidget *>{fraDLV, tbMain, fraSelection, lvBU, fraStatus,
-                                                       Tabs, cmdView, optBU[0], optBU[1],
+    for (QWidget *w : std::initializer_list<QWidget *>{fraDLV, tbMain, fraSelection, lvBU,
+                                                       fraStatus, Tabs, cmdView, optBU[0], optBU[1],
                                                        optDisplay[0], optDisplay[1]})
         m_byName.insert(w->objectName(), w);
 }
@@ -335,7 +342,8 @@ bool DLViewerPrivate::buListSelected(int index) const
 
 // --- ErrorReporter
 
-void DLViewerPrivate::reportError(qint32 number, const QString &description, const QString &location)
+void DLViewerPrivate::reportError(qint32 number, const QString &description,
+                                  const QString &location)
 {
     m_errorReport->setCaptions(captions.get());
     m_errorReport->reportError(number, description, location);
@@ -379,6 +387,8 @@ void DLViewerPrivate::EnableDataControls(bool enabled)
     btnSaveGrid->setVisible(enabled);
     btnPrintGrid->setVisible(enabled);
     btnProfiles->setVisible(enabled);
+    for (QAction *separator : dataSeparators)
+        separator->setVisible(enabled); // no lone separator before Help while they are hidden
 }
 
 void DLViewerPrivate::setHourglass(bool busy)
@@ -425,21 +435,21 @@ void DLViewerPrivate::SetCaptions()
                 return h;
         return static_cast<QLabel *>(nullptr);
     };
-    heading(lblTechCount)->setText(caption(QStringLiteral("TechCount")));
+    setFullText(heading(lblTechCount), caption(QStringLiteral("TechCount")));
     const QString viewTech = caption(QStringLiteral("ViewTechCount"));
     lblTechCount->setToolTip(viewTech);
     heading(lblTechCount)->setToolTip(viewTech);
-    heading(lblHrsWorked)->setText(caption(QStringLiteral("HoursWorked")));
-    heading(lblHrsRemaining)->setText(caption(QStringLiteral("HoursRemaining")));
-    heading(lblWODone)->setText(caption(QStringLiteral("WODone")));
-    heading(lblWOOpen)->setText(caption(QStringLiteral("WOOpen")));
-    heading(lblPtsDone)->setText(caption(QStringLiteral("PointsDone")));
-    heading(lblPtsOpen)->setText(caption(QStringLiteral("PointsOpen")));
-    lblProdPerTech->setText(caption(QStringLiteral("ProductivityPerTech")));
-    lblToday->setText(caption(QStringLiteral("CurrentProductivity")));
-    lblReqProd->setText(caption(QStringLiteral("RequiredProductivity")));
-    lblWOsPerHr->setText(caption(QStringLiteral("WOsPerHour")));
-    lblPtsPerHr->setText(caption(QStringLiteral("PtsPerHour")));
+    setFullText(heading(lblHrsWorked), caption(QStringLiteral("HoursWorked")));
+    setFullText(heading(lblHrsRemaining), caption(QStringLiteral("HoursRemaining")));
+    setFullText(heading(lblWODone), caption(QStringLiteral("WODone")));
+    setFullText(heading(lblWOOpen), caption(QStringLiteral("WOOpen")));
+    setFullText(heading(lblPtsDone), caption(QStringLiteral("PointsDone")));
+    setFullText(heading(lblPtsOpen), caption(QStringLiteral("PointsOpen")));
+    setFullText(lblProdPerTech, caption(QStringLiteral("ProductivityPerTech")));
+    setFullText(lblToday, caption(QStringLiteral("CurrentProductivity")));
+    setFullText(lblReqProd, caption(QStringLiteral("RequiredProductivity")));
+    setFullText(lblWOsPerHr, caption(QStringLiteral("WOsPerHour")));
+    setFullText(lblPtsPerHr, caption(QStringLiteral("PtsPerHour")));
     lblDisplayBy->setText(caption(QStringLiteral("DisplayBy")));
     optDisplay[0]->setText(caption(QStringLiteral("WorkOrders")));
     optDisplay[1]->setText(caption(QStringLiteral("Points")));
@@ -549,7 +559,8 @@ void DLViewer::ResizeControls()
     d->fraSelection->setGeometry(kMargin, top, selectionWidth, std::max(60, h - top - kMargin));
     const QRect sel = d->fraSelection->contentsRect();
     const int labelTop = sel.top() + 2;
-    d->lblBUName->setGeometry(sel.left() + 6, labelTop, sel.width() - 12, d->lblBUName->sizeHint().height());
+    d->lblBUName->setGeometry(sel.left() + 6, labelTop, sel.width() - 12,
+                              d->lblBUName->sizeHint().height());
     const int listTop = d->lblBUName->geometry().bottom() + 4;
     d->lvBU->setGeometry(sel.left() + 6, listTop, sel.width() - 12,
                          std::max(40, sel.bottom() - listTop - 6));
@@ -562,7 +573,8 @@ void DLViewer::ResizeControls()
 
     const int tabHeight = d->Tabs->sizeHint().height();
     d->Tabs->setGeometry(right, top, rightWidth, tabHeight);
-    const QRect client(right, top + tabHeight - 1, rightWidth, std::max(60, h - top - tabHeight - kMargin));
+    const QRect client(right, top + tabHeight - 1, rightWidth,
+                       std::max(60, h - top - tabHeight - kMargin));
     for (QFrame *frame : d->fraBU) {
         frame->setGeometry(client);
         frame->raise();
@@ -606,7 +618,8 @@ void DLViewerPrivate::layoutTopRow(int width, int &top)
     const int toolbarHeight = std::max(30, tbMain->sizeHint().height());
     tbMain->setGeometry(kMargin, top, tbMain->sizeHint().width(), toolbarHeight);
 
-    // Profile and refresh times read from the right edge: "Current profile : X   Last ... Next ...".
+    // Profile and refresh times read from the right edge: "Current profile : X   Last ... Next
+    // ...".
     int x = width - kMargin;
     const auto place = [&](QLabel *label, int gap) {
         const int lw = label->sizeHint().width();
@@ -627,13 +640,21 @@ void DLViewerPrivate::layoutTopRow(int width, int &top)
 void DLViewerPrivate::layoutPanel(int frameWidth)
 {
     const double p = twipsPerPixelX();
-    const PanelLayout::Result r =
-        PanelLayout::compute(frameWidth * p, lblStatus->width() * p, p);
+    const PanelLayout::Result r = PanelLayout::compute(frameWidth * p, lblStatus->width() * p, p);
     const auto px = [p](double twips) { return int(std::lround(twips / p)); };
     const int w = px(r.width);
     setGridColumnWidths(frameWidth * p);
 
     lblStatus->setGeometry(0, 0, fraStatus->width(), fraStatus->height());
+    // Headings keep their column; a caption longer than the column is shortened with an
+    // ellipsis and shown whole in its tool tip (the figures below it stay aligned).
+    const auto fit = [](QLabel *label, int width) {
+        const QString full = label->property("fullText").toString();
+        const QString shown =
+            label->fontMetrics().elidedText(full, Qt::ElideRight, std::max(20, width));
+        label->setText(shown);
+        label->setToolTip(shown == full ? QString() : full);
+    };
 
     // Counters: two heading/figure column pairs in the left part of the panel.
     const int rowTop = 6;
@@ -645,6 +666,7 @@ void DLViewerPrivate::layoutPanel(int frameWidth)
         const int row = i < 3 ? int(i) : int(i) - 3;
         const int x = 8 + column * (pairWidth + 6);
         auto [heading, figure] = panelCounters[i];
+        fit(heading, pairWidth - figureWidth - 4);
         heading->setGeometry(x, rowY(row), pairWidth - figureWidth - 4, kPanelRowHeight);
         figure->setGeometry(x + pairWidth - figureWidth, rowY(row), figureWidth, kPanelRowHeight);
     }
@@ -655,26 +677,37 @@ void DLViewerPrivate::layoutPanel(int frameWidth)
         const QString full = opt->property("fullText").toString();
         // The option's column is a fixed share of the width; a long caption is shortened with an
         // ellipsis and shown whole in the tool tip rather than run under the next column.
-        const int textRoom = optWidth - opt->style()->pixelMetric(QStyle::PM_ExclusiveIndicatorWidth) - 8;
-        const QString shown = opt->fontMetrics().elidedText(full, Qt::ElideRight, std::max(20, textRoom));
+        const int textRoom =
+            optWidth - opt->style()->pixelMetric(QStyle::PM_ExclusiveIndicatorWidth) - 8;
+        const QString shown =
+            opt->fontMetrics().elidedText(full, Qt::ElideRight, std::max(20, textRoom));
         opt->setText(shown);
         opt->setToolTip(shown == full ? QString() : full);
         opt->setGeometry(px(r.optBULeft), rowY(i), optWidth, kPanelRowHeight);
     }
 
     const int headWidth = px(r.lblWOsPerHrTodayLeft - r.lblProdPerTechLeft) - 4;
-    lblProdPerTech->setGeometry(px(r.lblProdPerTechLeft), rowY(0), px(r.lblTodayLeft - r.lblProdPerTechLeft) - 4,
-                                kPanelRowHeight);
-    lblToday->setGeometry(px(r.lblTodayLeft), rowY(0), px(r.lblReqProdLeft - r.lblTodayLeft) - 4, kPanelRowHeight);
-    lblReqProd->setGeometry(px(r.lblReqProdLeft), rowY(0), w - px(r.lblReqProdLeft) - 4, kPanelRowHeight);
-    lblWOsPerHr->setGeometry(px(r.lblWOsPerHrLeft), rowY(1), headWidth, kPanelRowHeight);
-    lblPtsPerHr->setGeometry(px(r.lblPtsPerHrLeft), rowY(2), headWidth, kPanelRowHeight);
+    const auto place = [&](QLabel *label, int x, int y, int width) {
+        fit(label, width);
+        label->setGeometry(x, y, width, kPanelRowHeight);
+    };
+    place(lblProdPerTech, px(r.lblProdPerTechLeft), rowY(0),
+          px(r.lblTodayLeft - r.lblProdPerTechLeft) - 4);
+    place(lblToday, px(r.lblTodayLeft), rowY(0), px(r.lblReqProdLeft - r.lblTodayLeft) - 4);
+    place(lblReqProd, px(r.lblReqProdLeft), rowY(0), w - px(r.lblReqProdLeft) - 4);
+    place(lblWOsPerHr, px(r.lblWOsPerHrLeft), rowY(1), headWidth);
+    place(lblPtsPerHr, px(r.lblPtsPerHrLeft), rowY(2), headWidth);
     const int figureW = px(r.lblWOsPerHrReqLeft - r.lblWOsPerHrTodayLeft) - 8;
-    lblWOsPerHrToday->setGeometry(px(r.lblWOsPerHrTodayLeft), rowY(1) + 1, figureW, kPanelRowHeight - 2);
-    lblPtsPerHrToday->setGeometry(px(r.lblPtsPerHrTodayLeft), rowY(2) + 1, figureW, kPanelRowHeight - 2);
-    lblWOsPerHrReq->setGeometry(px(r.lblWOsPerHrReqLeft), rowY(1) + 1, figureW, kPanelRowHeight - 2);
-    lblPtsPerHrReq->setGeometry(px(r.lblPtsPerHrReqLeft), rowY(2) + 1, figureW, kPanelRowHeight - 2);
-    cmdView->setGeometry(px(r.cmdViewLeft), rowY(3) + 2, std::max(90, cmdView->sizeHint().width()), 26);
+    lblWOsPerHrToday->setGeometry(px(r.lblWOsPerHrTodayLeft), rowY(1) + 1, figureW,
+                                  kPanelRowHeight - 2);
+    lblPtsPerHrToday->setGeometry(px(r.lblPtsPerHrTodayLeft), rowY(2) + 1, figureW,
+                                  kPanelRowHeight - 2);
+    lblWOsPerHrReq->setGeometry(px(r.lblWOsPerHrReqLeft), rowY(1) + 1, figureW,
+                                kPanelRowHeight - 2);
+    lblPtsPerHrReq->setGeometry(px(r.lblPtsPerHrReqLeft), rowY(2) + 1, figureW,
+                                kPanelRowHeight - 2);
+    cmdView->setGeometry(px(r.cmdViewLeft), rowY(3) + 2, std::max(90, cmdView->sizeHint().width()),
+                         26);
 
     gridTop[0] = rowY(kPanelRows) + 8;
 

@@ -9,7 +9,6 @@
 
 #include <QHash>
 #include <QPointer>
-
 #include <array>
 #include <memory>
 #include <vector>
@@ -183,6 +182,7 @@ public:
     QAction *btnPrintGrid = nullptr;
     QAction *btnProfiles = nullptr;
     QAction *btnHelp = nullptr;
+    std::array<QAction *, 2> dataSeparators{}; ///< shown and hidden with the data buttons
     QMenu *mnuProfileSection = nullptr;
     QMenu *mnuUse = nullptr;
     std::vector<QAction *> mnuProfile;

@@ -146,9 +146,11 @@ void OutlineGridView::applyCollapseState()
     // visible rows. Expanding node by node against a laid-out tree would be quadratic.
     scheduleDelayedItemsLayout();
     int expandedNodes = 0;
+    bool anyNode = false;
     for (int r = g->fixedRows(); r < g->rowCount(); ++r) {
         if (!g->isNode(r) || g->childCount(r) == 0)
             continue;
+        anyNode = true;
         const QModelIndex index = m_model->indexForRow(r, 0);
         if (g->isCollapsed(r)) {
             collapse(index);
@@ -157,6 +159,8 @@ void OutlineGridView::applyCollapseState()
             ++expandedNodes;
         }
     }
+    // Without nodes there is no tree to show: plain rows get no branch lines of their own.
+    setRootIsDecorated(anyNode);
     qCDebug(lcOutlineGridView) << "applied outline state:" << expandedNodes << "expanded nodes";
 }
 
@@ -409,6 +413,8 @@ void OutlineGridView::drawBranches(QPainter *painter, const QRect &rect,
     const QModelIndex treeCell = index.sibling(index.row(), treePosition());
     const QVariant bg = treeCell.data(Qt::BackgroundRole);
     painter->fillRect(rect, bg.isValid() ? bg.value<QColor>() : palette().color(QPalette::Base));
+    if (!rootIsDecorated() && !index.parent().isValid())
+        return; // a grid without nodes: no tree lines
 
     // Whether the item and each of its ancestors has a following sibling, item first.
     std::vector<bool> hasNext;

@@ -244,3 +244,15 @@ TEST_F(DLViewerShell, StopControlReleasesEverythingAndLaterCallsAreHarmless)
     viewer->ResizeControls();
     EXPECT_TRUE(dialogs->calls.empty());
 }
+
+TEST_F(DLViewerShell, PicturesOfTheWaitingControl)
+{
+    for (const char *language : {"EN", "PO"}) {
+        SetUp();
+        initialize(QString::fromLatin1(language));
+        const QImage picture = viewer->grab().toImage();
+        ASSERT_FALSE(picture.isNull());
+        EXPECT_TRUE(picture.save(QStringLiteral(DLV_SCREENSHOT_DIR "/dlviewer-waiting-%1.png")
+                                     .arg(QString::fromLatin1(language))));
+    }
+}
