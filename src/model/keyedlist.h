@@ -22,8 +22,16 @@ public:
 
     [[nodiscard]] qsizetype indexOf(QStringView key) const
     {
-        if (m_index)
-            return m_index->find(key) ? *m_index->find(key) : -1;
+        if (m_index) {
+            const qsizetype *i = m_index->find(key);
+            return i ? *i : -1;
+        }
+        // Codes that differ only in letter case cannot both be members, so an exact match is the
+        // one case-blind match there is; hosts send codes in one spelling, and the exact compare
+        // is far cheaper than folding case, so it is tried first.
+        for (std::size_t i = 0; i < m_items.size(); ++i)
+            if (QStringView(m_items[i].Code()) == key)
+                return qsizetype(i);
         for (std::size_t i = 0; i < m_items.size(); ++i) {
             const QString &code = m_items[i].Code();
             // Simple case folding keeps the length, so differing lengths never match.

@@ -91,8 +91,26 @@ TEST(ToLong, RoundsHalfToEvenWithRangeCheck)
         else
             expectError([&] { (void)Conv::toLong(r.value); }, DLVError::Overflow);
     }
+    // Texts around the short-integer shortcut read the same as through the general parse.
+    const std::pair<const char16_t *, qint32> texts[] = {{u"7 5", 75},
+                                                         {u"123456789", 123456789},
+                                                         {u"-123456789", -123456789},
+                                                         {u"+42", 42},
+                                                         {u"2147483647", 2147483647},
+                                                         {u"-2147483648", -2147483647 - 1},
+                                                         {u"-", 0},
+                                                         {u"+", 0},
+                                                         {u"", 0},
+                                                         {u"12a", 12},
+                                                         {u"0012", 12},
+                                                         {u" 12", 12},
+                                                         {u"-0", 0}};
+    for (const auto &[text, expected] : texts) {
+        SCOPED_TRACE(QString::fromUtf16(text).toStdString());
+        EXPECT_EQ(Conv::textToLong(text), expected);
+        EXPECT_EQ(Conv::leadingNumber(text), double(expected));
+    }
     EXPECT_EQ(Conv::textToLong(u"13.5"), 14);
-    EXPECT_EQ(Conv::textToLong(u"7 5"), 75);
     expectError([] { (void)Conv::textToLong(u"2147483648"); }, DLVError::Overflow);
 }
 
