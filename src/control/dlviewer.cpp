@@ -228,11 +228,16 @@ void DLViewerPrivate::createWidgets()
 
 void DLViewerPrivate::createPanel(QFrame *frame)
 {
+    // Every figure of the panel starts at 0, right-aligned.
+    const auto figureLabel = [&](const char *name) {
+        QLabel *l = namedLabel(frame, name);
+        l->setText(QStringLiteral("0"));
+        l->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        return l;
+    };
     const auto counter = [&](const char *figureName, QLabel *&figure) {
         QLabel *heading = namedLabel(frame, (QByteArray(figureName) + "Caption").constData());
-        figure = namedLabel(frame, figureName);
-        figure->setText(QStringLiteral("0"));
-        figure->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        figure = figureLabel(figureName);
         QFont f = figure->font();
         f.setBold(true);
         figure->setFont(f);
@@ -262,9 +267,7 @@ void DLViewerPrivate::createPanel(QFrame *frame)
         heading->setFont(f);
     }
     const auto rate = [&](const char *name) {
-        QLabel *l = namedLabel(frame, name);
-        l->setText(QStringLiteral("0"));
-        l->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        QLabel *l = figureLabel(name);
         l->setFrameShape(QFrame::StyledPanel);
         return l;
     };

@@ -147,12 +147,19 @@ void MainWindow::connectViewer()
 {
     connect(m_viewer, &DLViewer::PostRequest, this, &MainWindow::onPostRequest);
     connect(m_viewer, &DLViewer::GetDetails, this, &MainWindow::onGetDetails);
-    connect(m_viewer, &DLViewer::GetProfiles, this, &MainWindow::onGetProfiles);
-    connect(m_viewer, &DLViewer::GetProfileList, this, &MainWindow::onGetProfileList);
-    connect(m_viewer, &DLViewer::PutProfiles, this, &MainWindow::onPutProfiles);
-    connect(m_viewer, &DLViewer::AddProfiles, this, &MainWindow::onAddProfiles);
-    connect(m_viewer, &DLViewer::RemoveProfiles, this, &MainWindow::onRemoveProfiles);
-    connect(m_viewer, &DLViewer::SaveProfileAs, this, &MainWindow::onSaveProfileAs);
+    // Every profile request goes to the store under the name of its signal.
+    const auto route = [this](auto signal, const char *functionName) {
+        connect(m_viewer, signal, this,
+                [this, name = QString::fromLatin1(functionName)](DLVParams &params) {
+                    answer(name, params);
+                });
+    };
+    route(&DLViewer::GetProfiles, "GetProfiles");
+    route(&DLViewer::GetProfileList, "GetProfileList");
+    route(&DLViewer::PutProfiles, "PutProfiles");
+    route(&DLViewer::AddProfiles, "AddProfiles");
+    route(&DLViewer::RemoveProfiles, "RemoveProfiles");
+    route(&DLViewer::SaveProfileAs, "SaveProfileAs");
 }
 
 void MainWindow::start()
@@ -203,36 +210,6 @@ void MainWindow::answer(const QString &functionName, DLVParams &params)
         qCWarning(lcHost) << "the control rejected the answer to" << functionName << ":"
                           << e.number() << e.description();
     }
-}
-
-void MainWindow::onGetProfiles(DLVParams &params)
-{
-    answer(QStringLiteral("GetProfiles"), params);
-}
-
-void MainWindow::onGetProfileList(DLVParams &params)
-{
-    answer(QStringLiteral("GetProfileList"), params);
-}
-
-void MainWindow::onPutProfiles(DLVParams &params)
-{
-    answer(QStringLiteral("PutProfiles"), params);
-}
-
-void MainWindow::onAddProfiles(DLVParams &params)
-{
-    answer(QStringLiteral("AddProfiles"), params);
-}
-
-void MainWindow::onRemoveProfiles(DLVParams &params)
-{
-    answer(QStringLiteral("RemoveProfiles"), params);
-}
-
-void MainWindow::onSaveProfileAs(DLVParams &params)
-{
-    answer(QStringLiteral("SaveProfileAs"), params);
 }
 
 void MainWindow::onPostRequest(QString &request)

@@ -88,12 +88,6 @@ private:
     void answer(const QString &functionName, DLVParams &params);
     void onPostRequest(QString &request);
     void onGetDetails(DLVParams &params);
-    void onGetProfiles(DLVParams &params);
-    void onGetProfileList(DLVParams &params);
-    void onPutProfiles(DLVParams &params);
-    void onAddProfiles(DLVParams &params);
-    void onRemoveProfiles(DLVParams &params);
-    void onSaveProfileAs(DLVParams &params);
     void startFeed();
     void send(const std::shared_ptr<QZWebMessage> &message);
     void exportGrid();

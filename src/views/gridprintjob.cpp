@@ -1,7 +1,6 @@
 #include "views/gridprintjob.h"
 
 #include "views/outlinegrid.h"
-#include "views/outlinegridprinter.h"
 
 #include <QFont>
 #include <QFontMetricsF>
@@ -104,6 +103,28 @@ std::vector<std::vector<int>> GridPrintJob::columnBands(double bodyWidthTwips) c
     return bands;
 }
 
+std::vector<std::vector<int>> GridPrintJob::rowPages(int rowSpaceTwips) const
+{
+    std::vector<std::vector<int>> pages;
+    std::vector<int> page;
+    int used = 0;
+    for (int r = m_grid.fixedRows(); r < m_grid.rowCount(); ++r) {
+        if (!m_grid.isRowVisible(r))
+            continue;
+        const int h = m_grid.rowHeight(r);
+        if (!page.empty() && used + h > rowSpaceTwips) {
+            pages.push_back(std::move(page));
+            page.clear();
+            used = 0;
+        }
+        page.push_back(r);
+        used += h;
+    }
+    if (!page.empty() || pages.empty())
+        pages.push_back(std::move(page));
+    return pages;
+}
+
 GridPrintJob::Layout GridPrintJob::layout(double bodyWidthTwips, double bodyHeightTwips) const
 {
     Layout result;
@@ -117,7 +138,7 @@ GridPrintJob::Layout GridPrintJob::layout(double bodyWidthTwips, double bodyHeig
     const double height = bodyHeightTwips / result.scale;
     const int rowSpace = std::max(1, int(height) - headerTwips() - FooterTwips);
     const std::vector<std::vector<int>> bands = columnBands(width);
-    for (const std::vector<int> &rows : OutlineGridPrinter(m_grid).pages(rowSpace))
+    for (const std::vector<int> &rows : rowPages(rowSpace))
         for (const std::vector<int> &cols : bands)
             result.pages.push_back(Page{rows, cols});
     return result;

@@ -42,6 +42,9 @@ public:
     [[nodiscard]] Layout layout(double bodyWidthTwips, double bodyHeightTwips) const;
     /// Column bands for a body width (twips at the given scale).
     [[nodiscard]] std::vector<std::vector<int>> columnBands(double bodyWidthTwips) const;
+    /// The rows that show (no collapsed node hides them) in blocks of at most rowSpaceTwips;
+    /// a block takes at least one row, and a grid without rows gives one empty block.
+    [[nodiscard]] std::vector<std::vector<int>> rowPages(int rowSpaceTwips) const;
 
     /// Prints with the given document name and equal margins (twips) on all sides, on the printer
     /// as the caller set it up (orientation, output). False when the printer cannot start.

@@ -2,13 +2,14 @@
 
 #include "control/dlviewer.h"
 #include "control/dlviewer_p.h"
+#include "model/dlvdatabuilder.h"
+#include "scriptedhost.h"
 #include "support/recordingdialoghost.h"
 #include "webdata/qzwebtransport.h"
 
 #include <QLabel>
-
+#include <QTreeWidget>
 #include <gtest/gtest.h>
-
 #include <memory>
 
 class DLViewerTestAccess
@@ -23,11 +24,13 @@ class ControlFixture : public ::testing::Test
 protected:
     void SetUp() override
     {
+        viewer.reset();
+        host.reset();
         viewer = std::make_unique<DLViewer>();
         viewer->resize(1280, 800);
-        auto host = std::make_unique<RecordingDialogHost>();
-        dialogs = host.get();
-        d().setDialogHost(std::move(host));
+        auto recording = std::make_unique<RecordingDialogHost>();
+        dialogs = recording.get();
+        d().setDialogHost(std::move(recording));
     }
 
     DLViewerPrivate &d() { return DLViewerTestAccess::d(*viewer); }
@@ -39,12 +42,36 @@ protected:
         viewer->SetRegionalFormatInfo(lang);
     }
 
-    template <typename T = QWidget>
-    T *child(const char *name)
+    /// A scripted host starts the control with the session's units; then the data arrive.
+    void start(const DLVDataBuilder &data, QStringList units,
+               const QString &language = QStringLiteral("EN"))
+    {
+        host = std::make_unique<ScriptedHost>(*viewer);
+        initialize(language);
+        viewer->SetSessionBUIDList(units);
+        send(data);
+    }
+
+    void send(const DLVDataBuilder &data)
+    {
+        QVariant message = data.variant();
+        viewer->ReceiveMessage(message, QVariant(0), QVariant());
+    }
+
+    /// Selects exactly the unit-list entries whose keys are given ("_" and the unit id).
+    void select(const QStringList &keys)
+    {
+        QTreeWidget *list = d().lvBU;
+        for (int i = 0; i < list->topLevelItemCount(); ++i)
+            list->topLevelItem(i)->setSelected(keys.contains(d().buListKey(i)));
+    }
+
+    template <typename T = QWidget> T *child(const char *name)
     {
         return viewer->findChild<T *>(QString::fromLatin1(name));
     }
 
+    std::unique_ptr<ScriptedHost> host; // outlives the control it answers
     std::unique_ptr<DLViewer> viewer;
     RecordingDialogHost *dialogs = nullptr;
 };

@@ -6,7 +6,6 @@
 
 #include <QObject>
 #include <QStringList>
-
 #include <functional>
 #include <vector>
 
@@ -45,14 +44,6 @@ public:
                 store.add(sent.item(i).name()) = sent.item(i);
             }
             answer(QStringLiteral("PutProfiles"), plainAnswer());
-        });
-        QObject::connect(&viewer, &DLViewer::SaveProfileAs, &viewer, [this](DLVParams &p) {
-            requests.append(QStringLiteral("SaveProfileAs"));
-            const QZWebProfiles sent = QZWebProfiles::fromXml(p.ProfilesXML);
-            const QZWebProfile &profile = sent.item(1);
-            store.remove(profile.name());
-            store.add(profile.name()) = profile;
-            answer(QStringLiteral("SaveProfileAs"), profileIdList({profile.name()}));
         });
     }
 

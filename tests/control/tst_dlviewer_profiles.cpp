@@ -1,48 +1,36 @@
+// A saved view comes back in a new control; pictures of it with a realistic organisation, for a
+// human look at the layout, are written next to the build.
 #include "controlfixture.h"
-#include "scriptedhost.h"
 #include "tst_dlviewer_views_data.h"
 
-#include "model/cdlvcontroller.h"
-
 #include <QAction>
+#include <QApplication>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QTreeWidget>
+#include <QTabBar>
+#include <array>
 
 namespace {
 
-/// A control started by a host that keeps its profiles in `store`, then given one data message.
-struct RunningControl
+class DLViewerProfiles : public ControlFixture
 {
-    explicit RunningControl(QZWebProfiles &store)
+protected:
+    /// A control whose host keeps its profiles in `store`, given one data message.
+    void run(const QZWebProfiles &store)
     {
-        viewer.resize(1280, 800);
-        auto recording = std::make_unique<RecordingDialogHost>();
-        dialogs = recording.get();
-        DLViewerTestAccess::d(viewer).setDialogHost(std::move(recording));
-        host.store = store;
-        viewer.Initialize(std::make_shared<QZWebTransport>(QStringLiteral("EN")));
+        SetUp();
+        host = std::make_unique<ScriptedHost>(*viewer);
+        host->store = store;
+        initialize();
         QStringList units;
-        const DLVDataBuilder data = realisticOrganisation();
-        for (const QString &id : unitIds())
-            units << id;
-        viewer.SetSessionBUIDList(units);
-        QVariant message = data.variant();
-        viewer.ReceiveMessage(message, QVariant(0), QVariant());
-    }
-
-    static QStringList unitIds()
-    {
-        QStringList ids;
         for (int r = 1; r <= 4; ++r) {
-            ids << QStringLiteral("R%1").arg(r);
+            units << QStringLiteral("R%1").arg(r);
             for (int t = 1; t <= 3; ++t)
-                ids << QStringLiteral("R%1D%2").arg(r).arg(t);
+                units << QStringLiteral("R%1D%2").arg(r).arg(t);
         }
-        return ids;
+        viewer->SetSessionBUIDList(units);
+        send(realisticOrganisation());
     }
-
-    DLViewerPrivate &d() { return DLViewerTestAccess::d(viewer); }
 
     QStringList selectedKeys()
     {
@@ -63,62 +51,76 @@ struct RunningControl
         return keys;
     }
 
-    DLViewer viewer;
-    ScriptedHost host{viewer};
-    RecordingDialogHost *dialogs = nullptr;
+    void picture(const char *view, const QSize &size)
+    {
+        viewer->resize(size);
+        QApplication::processEvents();
+        const QString name = QStringLiteral(DLV_SCREENSHOT_DIR "/dlviewer-%1-%2x%3.png")
+                                 .arg(QLatin1String(view))
+                                 .arg(size.width())
+                                 .arg(size.height());
+        EXPECT_TRUE(viewer->grab().save(name)) << name.toStdString();
+    }
 };
 
 } // namespace
 
-TEST(DLViewerProfiles, ASavedViewComesBackInANewControl)
+TEST_F(DLViewerProfiles, ASavedViewComesBackInANewControl)
 {
-    QZWebProfiles store;
-    QStringList selected;
+    run({});
+    ASSERT_GT(d().lvBU->topLevelItemCount(), 4);
+    // Two regions, the aggregate summary and display by points, then view.
+    select({"_R1", "_R3"});
+    d().optBU[1]->setChecked(true);
+    d().cmdView->click();
+    d().optDisplay[1]->click();
+    // Collapse a job-type group in the summary, a unit in the work-order hierarchy and the root
+    // in the points hierarchy.
+    OutlineGrid &summary = d().grids[0];
+    int group = -1;
+    for (int r = 3; r < summary.rowCount() && group < 0; ++r)
+        if (summary.isNode(r) && !summary.rowData(r).isEmpty())
+            group = r;
+    ASSERT_GE(group, 0);
+    summary.setCollapsed(group, true);
+    d().grids[1].setCollapsed(d().grids[1].findRow(QStringLiteral("R2")), true);
+    d().grids[2].setCollapsed(2, true);
+
+    const QStringList selected = selectedKeys();
     std::array<QStringList, 3> collapsed;
-    {
-        RunningControl first(store);
-        DLViewerPrivate &d = first.d();
-        ASSERT_GT(d.lvBU->topLevelItemCount(), 4);
-        // Choose two units, the aggregate summary and display by points, then view.
-        d.lvBU->clearSelection();
-        d.lvBU->topLevelItem(1)->setSelected(true);
-        d.lvBU->topLevelItem(4)->setSelected(true);
-        d.optBU[1]->setChecked(true);
-        d.cmdView->click();
-        d.optDisplay[1]->click();
-        // Collapse a job-type group in the summary, a unit in the work-order hierarchy and the
-        // root in the points hierarchy.
-        OutlineGrid &summary = d.grids[0];
-        int group = -1;
-        for (int r = 3; r < summary.rowCount() && group < 0; ++r)
-            if (summary.isNode(r) && !summary.rowData(r).isEmpty())
-                group = r;
-        ASSERT_GE(group, 0);
-        summary.setCollapsed(group, true);
-        d.grids[1].setCollapsed(d.grids[1].findRow(QStringLiteral("R2")), true);
-        d.grids[2].setCollapsed(2, true);
-
-        selected = first.selectedKeys();
-        for (int g = 0; g < 3; ++g)
-            collapsed[g] = first.collapsedKeys(g);
-        ASSERT_EQ(selected.size(), 2);
-        ASSERT_EQ(collapsed[0].size(), 1);
-        ASSERT_EQ(collapsed[1], QStringList{QStringLiteral("R2")});
-        ASSERT_EQ(collapsed[2], QStringList{QStringLiteral("#")});
-
-        d.mnuSaveProfile->trigger();
-        EXPECT_TRUE(first.host.requests.contains(QStringLiteral("PutProfiles")));
-        EXPECT_TRUE(first.dialogs->calls.empty());
-        store = first.host.store;
-        first.viewer.StopControl();
-    }
-
-    RunningControl second(store);
-    DLViewerPrivate &d = second.d();
-    EXPECT_EQ(second.selectedKeys(), selected);
-    EXPECT_TRUE(d.optBU[1]->isChecked());
-    EXPECT_TRUE(d.optDisplay[1]->isChecked());
     for (int g = 0; g < 3; ++g)
-        EXPECT_EQ(second.collapsedKeys(g), collapsed[g]) << "grid " << g;
-    EXPECT_TRUE(second.dialogs->calls.empty());
+        collapsed[g] = collapsedKeys(g);
+    ASSERT_EQ(selected, (QStringList{"_R3", "_R1"})); // the list is sorted by description
+    ASSERT_EQ(collapsed[0].size(), 1);
+    ASSERT_EQ(collapsed[1], QStringList{"R2"});
+    ASSERT_EQ(collapsed[2], QStringList{"#"});
+
+    d().mnuSaveProfile->trigger();
+    EXPECT_TRUE(host->requests.contains(QStringLiteral("PutProfiles")));
+    EXPECT_TRUE(dialogs->calls.empty());
+    const QZWebProfiles store = host->store;
+    viewer->StopControl();
+
+    run(store);
+    EXPECT_EQ(selectedKeys(), selected);
+    EXPECT_TRUE(d().optBU[1]->isChecked());
+    EXPECT_TRUE(d().optDisplay[1]->isChecked());
+    for (int g = 0; g < 3; ++g)
+        EXPECT_EQ(collapsedKeys(g), collapsed[g]) << "grid " << g;
+    EXPECT_TRUE(dialogs->calls.empty());
+
+    // The next refresh fills the hierarchy rows of the chosen units.
+    send(realisticOrganisation());
+    d().grids[2].setCollapsed(2, false);
+    viewer->show();
+    for (const QSize size : {QSize(1280, 800), QSize(1920, 1080), QSize(1024, 640)}) {
+        d().Tabs->setCurrentIndex(0);
+        picture("summary", size);
+        d().Tabs->setCurrentIndex(1);
+        picture("hierarchy-points", size);
+        d().optDisplay[0]->click();
+        picture("hierarchy", size);
+        d().optDisplay[1]->click();
+    }
+    EXPECT_TRUE(dialogs->calls.empty());
 }

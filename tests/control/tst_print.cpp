@@ -172,17 +172,28 @@ TEST(GridPrintJob, SlightlyWideGridsShrinkAndWideOnesSplitAcrossPages)
     }
 }
 
-TEST(GridPrintJob, HiddenColumnsAndFoldedRowsAreLeftOut)
+TEST(GridPrintJob, RowsSplitByHeightAndHiddenColumnsAndFoldedRowsAreLeftOut)
 {
     OutlineGrid g;
     fillHierarchy(g, 30);
     g.setColWidth(3, 0);
-    g.setCollapsed(3, true); // "Unit 1" folds its children away
-    const GridPrintJob::Layout plan = GridPrintJob(g).layout(14437, 9505);
+    g.setCollapsed(3, true); // "Unit 1" folds its nine children away
+    const int h = OutlineGrid::DefaultRowHeight;
+    g.setRowHeight(13, 3 * h);
+    const GridPrintJob job(g);
+    const GridPrintJob::Layout plan = job.layout(14437, 9505);
     ASSERT_EQ(plan.pages.size(), 1u);
     const GridPrintJob::Page &page = plan.pages.front();
     EXPECT_EQ(std::count(page.cols.begin(), page.cols.end(), 3), 0);
-    EXPECT_EQ(page.rows.front(), 2);
-    EXPECT_EQ(page.rows[1], 3);
-    EXPECT_EQ(page.rows[2], 13); // the next unit of level 1, after Unit 1's nine children
+    EXPECT_EQ(page.rows.size(), 21u);
+    EXPECT_EQ(page.rows[2], 13); // the next unit of level 1, after Unit 1's children
+
+    // Blocks of at most the given height: row 13 is three rows tall.
+    const auto blocks = job.rowPages(5 * h);
+    ASSERT_EQ(blocks.size(), 5u);
+    EXPECT_EQ(blocks[0], (std::vector<int>{2, 3, 13}));
+    EXPECT_EQ(blocks[1], (std::vector<int>{14, 15, 16, 17, 18}));
+    EXPECT_EQ(job.rowPages(1).size(), 21u) << "a block takes at least one row";
+    g.setRowCount(2);
+    EXPECT_EQ(job.rowPages(1000), std::vector<std::vector<int>>{{}}) << "the header alone";
 }

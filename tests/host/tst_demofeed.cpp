@@ -2,7 +2,7 @@
 // move as a working day does, and the same figures for the same seed.
 #include "common/conversions.h"
 #include "host/demofeed.h"
-#include "host/hosttestprinters.h"
+#include "support/qtprinters.h"
 #include "webdata/qzwebdata.h"
 #include "webdata/qzwebmessage.h"
 #include "webdata/qzwebtable.h"
@@ -166,7 +166,8 @@ TEST(DemoFeed, CountsAgreeWithTheRecordsAtEveryRefresh)
 TEST(DemoFeed, CrewsHaveARosterOfTwentyFiveAndMostOnDuty)
 {
     DemoFeed feed;
-    const QZWebTable &general = tableOf(*feed.message(), u"BUGeneralInfo");
+    const auto message = feed.message(); // the table below lives in it
+    const QZWebTable &general = tableOf(*message, u"BUGeneralInfo");
     int crews = 0;
     for (int row = 1; row <= general.rowCount(); ++row) {
         const int techs = general.field(row, u"TechCount").toInt();

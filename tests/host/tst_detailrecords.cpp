@@ -1,7 +1,7 @@
 // The records behind the figures: which records a detail request selects, and the "Details" table.
 #include "common/dlverror.h"
 #include "host/detailrecords.h"
-#include "host/hosttestprinters.h"
+#include "support/qtprinters.h"
 #include "webdata/qzwebtable.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // The details table: columns, display texts with descriptions, and values to sort by.
 #include "host/detailtablemodel.h"
-#include "host/hosttestprinters.h"
+#include "support/qtprinters.h"
 #include "webdata/qzwebdata.h"
 #include "webdata/qzwebmessage.h"
 #include "webdata/qzwebtable.h"

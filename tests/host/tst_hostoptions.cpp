@@ -1,6 +1,6 @@
 // The command line: good arguments and their values; every bad one is refused with a reason.
 #include "host/hostoptions.h"
-#include "host/hosttestprinters.h"
+#include "support/qtprinters.h"
 
 #include <gtest/gtest.h>
 #include <ostream>
@@ -112,9 +112,7 @@ INSTANTIATE_TEST_SUITE_P(
                       BadCase{"EmptyData", {"--data", " "}, "--data"},
                       BadCase{"Language", {"--lang", "FR"}, "FR"},
                       BadCase{"RefreshZero", {"--refresh", "0"}, "--refresh"},
-                      BadCase{"RefreshNegative", {"--refresh", "-5"}, "-5"},
                       BadCase{"RefreshFraction", {"--refresh", "1.5"}, "1.5"},
-                      BadCase{"RefreshText", {"--refresh", "soon"}, "soon"},
                       BadCase{"RefreshTooLong", {"--refresh", "86401"}, "86401"},
                       BadCase{"Seed", {"--seed", "-1"}, "--seed"},
                       BadCase{"Display", {"--display", "hours"}, "hours"},
@@ -122,10 +120,8 @@ INSTANTIATE_TEST_SUITE_P(
                       BadCase{"EmptyUnitInSelect", {"--select", "A,,B"}, "empty unit id"},
                       BadCase{"RepeatedUnitInSelect", {"--select", "A,B,A"}, "\"A\""},
                       BadCase{"RepeatedSessionUnit", {"--session-units", "A,A"}, "twice"},
-                      BadCase{"EmptySessionUnits", {"--session-units", ""}, "empty unit id"},
                       BadCase{"ScreenshotNotPng", {"--screenshot", "shot.jpg"}, "shot.jpg"},
                       BadCase{"EmptyUser", {"--user", ""}, "--user"},
-                      BadCase{"EmptyProfile", {"--profile", ""}, "--profile"},
                       BadCase{"GivenTwice", {"--lang", "EN", "--lang", "PO"}, "more than once"},
                       BadCase{
                           "SameFileTwice", {"--export-csv", "x", "--print-pdf", "x"}, "same file"}),

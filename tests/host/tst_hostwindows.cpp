@@ -5,9 +5,9 @@
 #include "host/detailswindow.h"
 #include "host/detailtablemodel.h"
 #include "host/documentfeed.h"
-#include "host/hosttestprinters.h"
 #include "host/mainwindow.h"
 #include "host/profilestore.h"
+#include "support/qtprinters.h"
 #include "webdata/qzwebprofiles.h"
 
 #include <QApplication>

@@ -3,7 +3,7 @@
 #include "control/dlvparams.h"
 #include "profiles/profileexchange.h"
 #include "profiles/profilehost.h"
-#include "qtprinters.h"
+#include "support/qtprinters.h"
 #include "support/recordingdialoghost.h"
 #include "support/recordingreporter.h"
 #include "ui/captioncatalogue.h"
@@ -108,6 +108,8 @@ public:
     std::map<Request, std::deque<QString>> answerWith;
     /// Makes the next answer to a request carry this host error.
     std::map<Request, std::deque<std::pair<int, QString>>> failWith;
+    /// Answers a request under another request's name (a confused host).
+    std::map<Request, Request> answerAs;
     /// Requests the host does not answer at all.
     std::vector<Request> silent;
 
@@ -179,7 +181,9 @@ public:
         if (std::find(silent.begin(), silent.end(), request) != silent.end())
             return;
         const QString xml = answer(request, params);
-        const QString name = ProfileHost::requestName(request);
+        const auto renamed = answerAs.find(request);
+        const QString name =
+            ProfileHost::requestName(renamed == answerAs.end() ? request : renamed->second);
         if (mode == AnswerMode::Inside)
             exchange->ReceiveProfileResponse(xml, name);
         else

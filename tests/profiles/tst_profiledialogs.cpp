@@ -4,8 +4,8 @@
 #include "profiles/frmnewprofile.h"
 #include "profiles/frmprofiles.h"
 #include "profiles/profiledialoghost.h"
-#include "qtprinters.h"
 #include "support/modaldriver.h"
+#include "support/qtprinters.h"
 #include "support/recordingdialoghost.h"
 #include "ui/captioncatalogue.h"
 

@@ -1,7 +1,7 @@
 // The profile-ID list is found by text search, not parsed as XML; these are the answers hosts
 // send and the odd ones the control has always read the same way.
 #include "profiles/profileidlist.h"
-#include "qtprinters.h"
+#include "support/qtprinters.h"
 
 #include <gtest/gtest.h>
 

@@ -27,17 +27,6 @@ struct Surface
     Surface() { window.show(); }
 };
 
-std::unique_ptr<CaptionCatalogue> catalogueFor(const QString &language,
-                                               const QHash<QString, QString> &overrides = {})
-{
-    auto transport = std::make_shared<QZWebTransport>(language);
-    for (auto it = overrides.cbegin(); it != overrides.cend(); ++it)
-        transport->setCaptionOverride(it.key(), it.value());
-    auto catalogue = std::make_unique<CaptionCatalogue>();
-    catalogue->attach(transport);
-    return catalogue;
-}
-
 QString textOf(QWidget *dialog, const char *name)
 {
     if (auto *label = dialog->findChild<QLabel *>(QString::fromLatin1(name)))

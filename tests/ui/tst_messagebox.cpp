@@ -48,11 +48,7 @@ TEST(MessageBoxes, AnswerIconAndButtonTexts)
         QWidget window;
         auto *frame = new QWidget(&window);
         window.show();
-        std::unique_ptr<CaptionCatalogue> captions;
-        if (r.language) {
-            captions = std::make_unique<CaptionCatalogue>();
-            captions->attach(std::make_shared<QZWebTransport>(QString::fromLatin1(r.language)));
-        }
+        const auto captions = r.language ? catalogueFor(QString::fromLatin1(r.language)) : nullptr;
         bool seen = false;
         onNextModal([&](QWidget *dialog) {
             auto *box = qobject_cast<QMessageBox *>(dialog);

@@ -5,6 +5,10 @@
 #include "model/dlvdatabuilder.h"
 #include "model/fakesurface.h"
 #include "support/recordingreporter.h"
+#include "views/hierarchygrid.h"
+#include "views/outlinegrid.h"
+#include "views/panelvalues.h"
+#include "views/summarygrid.h"
 
 #include <QStringList>
 
@@ -38,3 +42,38 @@ inline QString identity(const QString &key)
 {
     return key;
 }
+
+/// The summary grid laid out at 15 twips per pixel, and its panel.
+struct SummaryFill
+{
+    explicit SummaryFill(const SummaryGrid::CaptionLookup &caption = identity)
+    {
+        SummaryGrid(grid).InitSingleBUGrid(caption, 15);
+    }
+    void show(LoadedModel &model, const QStringList &set)
+    {
+        SummaryGrid(grid).ShowBUs(model.controller.BUs(), ids(set),
+                                  model.controller.JobTypeDescriptions(),
+                                  model.controller.JobClassDescriptions(), QStringLiteral("Total"),
+                                  panel, &model.reporter);
+    }
+    OutlineGrid grid;
+    PanelValues panel;
+};
+
+/// Both hierarchy grids laid out at 15 twips per pixel.
+struct HierarchyFill
+{
+    explicit HierarchyFill(const HierarchyGrid::CaptionLookup &caption = identity)
+    {
+        HierarchyGrid::InitBUHierarchyGrid(workOrders, 1, caption, 15);
+        HierarchyGrid::InitBUHierarchyGrid(points, 2, caption, 15);
+    }
+    void fill(LoadedModel &model, const QStringList &selection)
+    {
+        HierarchyGrid::Fill(workOrders, points, model.controller, model.controller.BUs(),
+                            ids(selection));
+    }
+    OutlineGrid workOrders;
+    OutlineGrid points;
+};

@@ -1,17 +1,7 @@
 #include "loadedmodel.h"
-#include "model/cdlvcontroller.h"
-#include "model/dlvdatabuilder.h"
-#include "model/fakesurface.h"
-#include "support/recordingreporter.h"
 #include "views/collapsednodes.h"
-#include "views/hierarchygrid.h"
-#include "views/outlinegrid.h"
-#include "views/panelvalues.h"
-#include "views/summarygrid.h"
 
-#include <QStringList>
 #include <gtest/gtest.h>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -35,22 +25,13 @@ DLVDataBuilder regions(bool withRegion2)
     return b;
 }
 
-class HierarchyMemory : public ::testing::Test
+class HierarchyMemory : public ::testing::Test, protected HierarchyFill
 {
 protected:
-    HierarchyMemory()
-    {
-        HierarchyGrid::InitBUHierarchyGrid(wo, 1, identity, 15);
-        HierarchyGrid::InitBUHierarchyGrid(pts, 2, identity, 15);
-    }
-    void fill(LoadedModel &model)
-    {
-        HierarchyGrid::Fill(wo, pts, model.controller, model.controller.BUs(), ids({}));
-    }
+    void fill(LoadedModel &model) { HierarchyFill::fill(model, {}); }
     void collapse(const QString &key) { wo.setCollapsed(wo.findRow(key), true); }
 
-    OutlineGrid wo;
-    OutlineGrid pts;
+    OutlineGrid &wo = workOrders;
 };
 
 } // namespace
@@ -95,15 +76,9 @@ TEST(SummaryMemory, TheGrandTotalIsRememberedAsTotalFromFourRowsOn)
     b.unit("A", "A", "").general("A");
     b.detail("A", "T", "C", {"1"}).detail("A", "U", "C", {"2"});
     LoadedModel model(b);
-    OutlineGrid grid;
-    SummaryGrid summary(grid);
-    summary.InitSingleBUGrid(identity, 15);
-    PanelValues panel;
-    const auto show = [&](const QStringList &set) {
-        summary.ShowBUs(model.controller.BUs(), ids(set), model.controller.JobTypeDescriptions(),
-                        model.controller.JobClassDescriptions(), QStringLiteral("Total"), panel,
-                        &model.reporter);
-    };
+    SummaryFill summary;
+    OutlineGrid &grid = summary.grid;
+    const auto show = [&](const QStringList &set) { summary.show(model, set); };
 
     show({"A"});
     grid.setCollapsed(2, true);

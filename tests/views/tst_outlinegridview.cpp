@@ -1,14 +1,13 @@
+#include "loadedmodel.h"
+#include "ui/captioncatalogue.h"
 #include "views/gridheaderview.h"
-#include "views/outlinegrid.h"
 #include "views/outlinegridmodel.h"
-#include "views/outlinegridprinter.h"
 #include "views/outlinegridview.h"
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
 #include <QDir>
 #include <QPixmap>
-#include <QPrinter>
 #include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -16,145 +15,69 @@
 
 namespace {
 
-constexpr int TwipsPerPixel96 = 15;
-
-int px(double pixels)
+QString english(const QString &key)
 {
-    return qRound(pixels * TwipsPerPixel96);
+    return CaptionCatalogue().caption(key);
 }
 
-/// The summary layout: margin, hidden job-type column, tree column, 7 + 7 status columns.
-void makeSummaryGrid(OutlineGrid &g)
+/// The summary of one unit as the fill leaves it: total (row 2), per-class rows Cable, Copper and
+/// Fiber (3 to 5), group INS (6) with COP and FIB, group REP (9) with CAB.
+DLVDataBuilder summaryData()
 {
-    const QStringList statuses = {"Open",      "Warning",  "Jeopardy", "Late",
-                                  "Completed", "Canceled", "Not Done"};
-    OutlineGrid::RedrawSuspender suspend(g);
-    g.setColCount(17);
-    g.setColWidth(0, px(15));
-    g.setColWidth(1, 0);
-    g.setColWidth(2, px(111));
-    for (int c = 3; c < 17; ++c)
-        g.setColWidth(c, px(52));
-    g.setRowCount(2);
-    g.setFixedRows(2);
-    g.setRowHeight(1, 2 * g.rowHeight(0));
-    g.setBackColor(0, 0, 1, 16, OutlineGrid::fromBgr(0xD9FCFD));
-    g.setBackColor(0, 3, 1, 9, OutlineGrid::fromBgr(0xFAFDC6));
-    g.setBackColor(0, 10, 1, 16, OutlineGrid::fromBgr(0xEAE6FC));
-    g.setBold(0, 0, 0, 16, true);
-    g.setText(0, 3, 0, 9, "Work Orders");
-    g.setText(0, 10, 0, 16, "Points");
-    g.setText(1, 2, "Job Types and Job Classes");
-    for (int i = 0; i < 7; ++i) {
-        g.setText(1, 3 + i, statuses[i]);
-        g.setText(1, 10 + i, statuses[i]);
-    }
-    g.setOutlineCol(2);
-    g.setOutlineTextCol(1);
+    DLVDataBuilder b;
+    b.unit("A", "A", "").general("A");
+    b.jobType("INS", "Installation").jobType("REP", "Repair");
+    b.jobClass("FIB", "Fiber").jobClass("COP", "Copper").jobClass("CAB", "Cable");
+    b.detail("A", "INS", "FIB", {"3", "1", "0", "2", "12", "0", "1", "9", "3", "0", "6", "36"});
+    b.detail("A", "INS", "COP", {"1", "0", "1", "0", "7", "1", "0", "2", "0", "2", "0", "14"});
+    b.detail("A", "REP", "CAB", {"2", "0", "0", "1", "9", "0", "2", "6", "0", "0", "3", "27"});
+    return b;
+}
 
-    struct Line
+/// Units under "#": N > [N1, N2 > N3], S > [S1 > S3, S2]; S2 is reached by no chosen unit.
+DLVDataBuilder hierarchyData()
+{
+    DLVDataBuilder b;
+    b.unit("#", "All Business Units", "").unit("N", "North Region", "#");
+    b.unit("S", "South Region", "#").unit("N1", "Dispatch North", "N");
+    b.unit("N2", "Field Team A", "N").unit("N3", "Field Team B", "N2");
+    b.unit("S1", "Coastal", "S").unit("S2", "Inland", "S").unit("S3", "Harbour Crew", "S1");
+    for (const char *id : {"N", "S", "N1", "N2", "N3", "S1", "S2", "S3"})
+        b.general(id, id, "3", "8", "4").detail(id, "T", "C", {"4", "1", "0", "2", "9"});
+    return b;
+}
+
+struct Fixture
+{
+    explicit Fixture(bool hierarchy)
+        : model(hierarchy ? hierarchyData() : summaryData()),
+          grid(hierarchy ? hierarchyGrids.workOrders : summary.grid), hierarchy(hierarchy)
     {
-        const char *type, *cls, *key;
-        int figures[14];
-    };
-    const Line lines[] = {
-        {"Installation", "Fiber", "INS|FIB", {3, 1, 0, 2, 12, 0, 1, 9, 3, 0, 6, 36, 0, 3}},
-        {"Installation", "Copper", "INS|COP", {1, 0, 1, 0, 7, 1, 0, 2, 0, 2, 0, 14, 2, 0}},
-        {"Maintenance", "Line check", "MNT|LCK", {5, 2, 0, 0, 4, 0, 0, 5, 2, 0, 0, 4, 0, 0}},
-        {"Repair", "Cable", "REP|CAB", {2, 0, 0, 1, 9, 0, 2, 6, 0, 0, 3, 27, 0, 6}},
-        {"Repair", "Modem", "REP|MOD", {0, 1, 1, 0, 3, 0, 0, 0, 1, 1, 0, 3, 0, 0}},
-    };
-    const int total = g.addRow();
-    for (const Line &l : lines) {
-        const int r = g.addRow();
-        g.setRowData(r, QString::fromLatin1(l.key));
-        g.setText(r, 1, QString::fromLatin1(l.type));
-        g.setText(r, 2, QString::fromLatin1(l.cls));
-        for (int s = 0; s < 14; ++s)
-            g.setText(r, s + 3, QString::number(l.figures[s]));
+        refill();
+        view.setGrid(&grid);
+        tester = std::make_unique<QAbstractItemModelTester>(
+            view.gridModel(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+        view.resize(960, 360);
+        view.show();
+        QApplication::processEvents();
     }
-    g.sortRows(total, g.rowCount() - 1, 1, 2);
-    g.subtotal(1, {3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}, OutlineGrid::fromBgr(0xE0E0E0),
-               true);
-    // The empty run's group row becomes the grand total; its empty data row goes.
-    g.setText(2, 1, "Total");
-    for (int s = 0; s < 14; ++s) {
-        int sum = 0;
-        for (const Line &l : lines)
-            sum += l.figures[s];
-        g.setText(2, s + 3, QString::number(sum));
-    }
-    g.removeRow(3);
-    // Per-class totals below the grand total.
-    for (const char *cls : {"Fiber", "Copper"}) {
-        g.insertRow(3);
-        g.setRowData(3, QStringLiteral("|") + QString::fromLatin1(cls).left(3).toUpper());
-        g.setText(3, 1, "Total");
-        g.setText(3, 2, QString::fromLatin1(cls));
-        for (int s = 0; s < 14; ++s)
-            g.setText(3, s + 3, QString::number((s * 7 + cls[0]) % 13));
-    }
-    for (int r = 3; r < g.rowCount(); ++r) {
-        if (g.isNode(r) && r > 2)
-            g.setRowData(r, g.rowData(r + 1).section(u'|', 0, 0));
-    }
-    g.setBold(2, 1, g.rowCount() - 1, 1, true);
-    g.setCurrentCell(0, 0);
-}
 
-/// The hierarchy layout: tree of units in column 0, eleven figure columns.
-void makeHierarchyGrid(OutlineGrid &g)
-{
-    const QStringList captions = {"Business Units",  "Tech Count", "Hours Remaining",
-                                  "Hours Completed", "Open",       "Warning",
-                                  "Jeopardy",        "Late",       "Completed",
-                                  "Canceled",        "Not Done",   "WOs per Hour"};
-    OutlineGrid::RedrawSuspender suspend(g);
-    g.setColCount(12);
-    g.setRowCount(2);
-    g.setFixedRows(2);
-    g.setColWidth(0, px(150));
-    for (int c = 1; c < 12; ++c)
-        g.setColWidth(c, px(63));
-    g.setRowHeight(1, 2 * g.rowHeight(0));
-    g.setBackColor(0, 0, 1, 3, OutlineGrid::fromBgr(0xD9FCFD));
-    g.setBackColor(0, 4, 1, 10, OutlineGrid::fromBgr(0xFAFDC6));
-    g.setBackColor(0, 11, 1, 11, OutlineGrid::fromBgr(0xE4FEE3));
-    g.setBold(0, 0, 0, 11, true);
-    g.setText(0, 4, 0, 10, "Work Orders");
-    g.setText(0, 11, "Productivity");
-    for (int c = 0; c < 12; ++c)
-        g.setText(1, c, captions[c]);
+    void refill()
+    {
+        if (!hierarchy)
+            return summary.show(model, {"A"});
+        hierarchyGrids.fill(model, {"N", "S1", "S3", "#"});
+        grid.setCollapsed(grid.findRow("S1"), true);
+    }
 
-    const std::vector<OutlineGrid::TreeNode> units = {
-        {"All Business Units", "#", -1},
-        {"North Region", "N", 0},
-        {"South Region", "S", 0},
-        {"Dispatch North", "N1", 1},
-        {"Field Team A", "N2", 1},
-        {"Field Team B", "N3", 4},
-        {"Coastal", "S1", 2},
-        {"Inland", "S2", 2},
-        {"Harbour Crew", "S3", 6},
-    };
-    (void)g.appendTree(units, 0, 0, true);
-    int seed = 3;
-    for (int r = 2; r < g.rowCount(); ++r) {
-        if (g.rowData(r) == "S2")
-            continue; // a unit no chosen unit reaches: grey, no figures
-        for (int c = 1; c < 11; ++c) {
-            seed = (seed * 37 + 11) % 97;
-            g.setText(r, c, QString::number(seed % 40));
-        }
-        g.setText(r, 11, QString::number(seed % 7 + 0.25));
-    }
-    for (int r = 2; r < g.rowCount(); ++r) {
-        if (g.text(r, 1).isEmpty())
-            g.setBackColor(r, 0, r, 11, OutlineGrid::fromBgr(0xD0D0D0));
-    }
-    g.setBold(1, 0, g.rowCount() - 1, 0, true);
-    g.setCollapsed(g.findRow("S1"), true);
-}
+    LoadedModel model;
+    SummaryFill summary{english};
+    HierarchyFill hierarchyGrids{english};
+    OutlineGrid &grid;
+    bool hierarchy;
+    OutlineGridView view;
+    std::unique_ptr<QAbstractItemModelTester> tester;
+};
 
 QPoint branchPoint(const OutlineGridView &view, int row)
 {
@@ -167,29 +90,11 @@ void clickCell(OutlineGridView &view, int row, int col, Qt::MouseButton button =
     QTest::mouseClick(view.viewport(), button, Qt::NoModifier, view.cellRect(row, col).center());
 }
 
-struct Fixture
-{
-    OutlineGrid grid;
-    OutlineGridView view;
-    std::unique_ptr<QAbstractItemModelTester> tester;
-
-    explicit Fixture(void (*make)(OutlineGrid &))
-    {
-        make(grid);
-        view.setGrid(&grid);
-        tester = std::make_unique<QAbstractItemModelTester>(
-            view.gridModel(), QAbstractItemModelTester::FailureReportingMode::Fatal);
-        view.resize(960, 360);
-        view.show();
-        QApplication::processEvents();
-    }
-};
-
 } // namespace
 
 TEST(OutlineGridView, LayoutComesFromTheGrid)
 {
-    Fixture f(makeSummaryGrid);
+    Fixture f(false);
     const double tpp = f.view.twipsPerPixelX();
     EXPECT_DOUBLE_EQ(tpp, 1440.0 / f.view.logicalDpiX());
     EXPECT_TRUE(f.view.isColumnHidden(1));
@@ -202,11 +107,18 @@ TEST(OutlineGridView, LayoutComesFromTheGrid)
     f.grid.setColWidth(3, 1500);
     EXPECT_FALSE(f.view.isColumnHidden(3));
     EXPECT_EQ(f.view.header()->sectionSize(3), qRound(1500 / tpp));
+
+    // A picture for a human look.
+    f.grid.setColWidth(3, f.grid.colWidth(4));
+    f.grid.setCollapsed(f.grid.findRow("REP"), true);
+    f.view.resize(880, 260);
+    QApplication::processEvents();
+    EXPECT_TRUE(f.view.grab().save(QStringLiteral(DLV_SCREENSHOT_DIR "/outlinegrid-summary.png")));
 }
 
 TEST(OutlineGridView, HeaderMergesEqualBandTexts)
 {
-    Fixture f(makeSummaryGrid);
+    Fixture f(false);
     const GridHeaderView *h = f.view.gridHeader();
     EXPECT_EQ(h->bandRange(5), std::make_pair(3, 9));
     EXPECT_EQ(h->bandRange(16), std::make_pair(10, 16));
@@ -219,7 +131,7 @@ TEST(OutlineGridView, HeaderMergesEqualBandTexts)
 
 TEST(OutlineGridView, MouseOnTheTreeWritesCollapseState)
 {
-    Fixture f(makeHierarchyGrid);
+    Fixture f(true);
     const int north = f.grid.findRow("N");
     ASSERT_TRUE(f.view.isExpanded(f.view.gridModel()->indexForRow(north, 0)));
     QTest::mouseClick(f.view.viewport(), Qt::LeftButton, Qt::NoModifier,
@@ -229,6 +141,13 @@ TEST(OutlineGridView, MouseOnTheTreeWritesCollapseState)
     QTest::mouseClick(f.view.viewport(), Qt::LeftButton, Qt::NoModifier,
                       branchPoint(f.view, north));
     EXPECT_FALSE(f.grid.isCollapsed(north));
+
+    // A picture for a human look.
+    f.view.resize(880, 300);
+    f.grid.setCurrentCell(f.grid.findRow("N2"), 4);
+    QApplication::processEvents();
+    EXPECT_TRUE(
+        f.view.grab().save(QStringLiteral(DLV_SCREENSHOT_DIR "/outlinegrid-hierarchy.png")));
 }
 
 TEST(OutlineGridView, KeyboardExpandsAndCollapses)
@@ -251,7 +170,7 @@ TEST(OutlineGridView, KeyboardExpandsAndCollapses)
         {"minus on the root", "#", 3, Qt::Key_Minus, "#", true},
         {"star expands the whole subtree", "#", 3, Qt::Key_Asterisk, "S1", false},
     };
-    Fixture f(makeHierarchyGrid);
+    Fixture f(true);
     for (const Step &s : steps) {
         const int row = f.grid.findRow(QString::fromLatin1(s.unit));
         f.grid.setCurrentCell(row, s.col);
@@ -272,7 +191,7 @@ TEST(OutlineGridView, KeyboardExpandsAndCollapses)
 
 TEST(OutlineGridView, GridCollapseStateIsAppliedAfterEveryFill)
 {
-    Fixture f(makeHierarchyGrid);
+    Fixture f(true);
     const auto check = [&f](const char *when) {
         for (int r = 2; r < f.grid.rowCount(); ++r) {
             if (f.grid.isNode(r) && f.grid.childCount(r) > 0) {
@@ -285,10 +204,9 @@ TEST(OutlineGridView, GridCollapseStateIsAppliedAfterEveryFill)
     check("first show");
     EXPECT_FALSE(f.view.isExpanded(f.view.gridModel()->indexForRow(f.grid.findRow("S1"), 0)));
     // A refill that rebuilds everything and collapses other nodes.
-    f.grid.setRowCount(2);
-    makeHierarchyGrid(f.grid);
     {
         OutlineGrid::RedrawSuspender suspend(f.grid);
+        f.refill();
         f.grid.setCollapsed(f.grid.findRow("S1"), false);
         f.grid.setCollapsed(f.grid.findRow("N2"), true);
         f.grid.setCollapsed(f.grid.findRow("S"), true);
@@ -300,7 +218,7 @@ TEST(OutlineGridView, GridCollapseStateIsAppliedAfterEveryFill)
 
 TEST(OutlineGridView, CurrentCellTravelsBothWays)
 {
-    Fixture f(makeSummaryGrid);
+    Fixture f(false);
     clickCell(f.view, 4, 6);
     EXPECT_EQ(f.grid.currentRow(), 4);
     EXPECT_EQ(f.grid.currentCol(), 6);
@@ -315,7 +233,7 @@ TEST(OutlineGridView, CurrentCellTravelsBothWays)
 
 TEST(OutlineGridView, DoubleClickReportsTheCellUnderTheMouseAndButton)
 {
-    Fixture f(makeSummaryGrid);
+    Fixture f(false);
     QSignalSpy doubles(&f.view, &OutlineGridView::cellDoubleClicked);
     QSignalSpy presses(&f.view, &OutlineGridView::mouseButtonPressed);
     ASSERT_TRUE(doubles.isValid() && presses.isValid());
@@ -356,7 +274,7 @@ TEST(OutlineGridView, DoubleClickReportsTheCellUnderTheMouseAndButton)
 
 TEST(OutlineGridView, EnterReportsMouseCellAndModifiers)
 {
-    Fixture f(makeSummaryGrid);
+    Fixture f(false);
     QSignalSpy enters(&f.view, &OutlineGridView::enterPressed);
     clickCell(f.view, 3, 4);
     QTest::mouseMove(f.view.viewport(), f.view.cellRect(5, 7).center());
@@ -368,57 +286,4 @@ TEST(OutlineGridView, EnterReportsMouseCellAndModifiers)
     EXPECT_EQ(enters[0][2].value<Qt::KeyboardModifiers>(), Qt::NoModifier);
     EXPECT_TRUE(enters[1][2].value<Qt::KeyboardModifiers>() & Qt::ShiftModifier);
     EXPECT_EQ(f.grid.currentRow(), 3) << "Enter does not move the current cell";
-}
-
-TEST(OutlineGridView, LargeTreeShowsWithItsCollapsedNodes)
-{
-    OutlineGrid g;
-    g.setColCount(12);
-    g.setRowCount(2);
-    g.setFixedRows(2);
-    std::vector<OutlineGrid::TreeNode> nodes;
-    nodes.push_back({"Root", "#", -1});
-    for (int i = 1; i < 10000; ++i)
-        nodes.push_back({QStringLiteral("Unit %1").arg(i), QStringLiteral("U%1").arg(i),
-                         i < 100 ? 0 : (i % 99) + 1});
-    OutlineGridView view;
-    view.setGrid(&g);
-    {
-        OutlineGrid::RedrawSuspender suspend(g);
-        (void)g.appendTree(nodes, 0, 0, true);
-        for (int i = 1; i < 100; i += 2)
-            g.setCollapsed(g.findRow(QStringLiteral("U%1").arg(i)), true);
-    }
-    view.resize(800, 400);
-    view.show();
-    QApplication::processEvents();
-    const OutlineGridModel *m = view.gridModel();
-    EXPECT_TRUE(view.isExpanded(m->indexForRow(2, 0)));
-    EXPECT_FALSE(view.isExpanded(m->indexForRow(g.findRow("U1"), 0)));
-    EXPECT_TRUE(view.isExpanded(m->indexForRow(g.findRow("U2"), 0)));
-}
-
-TEST(OutlineGridView, Screenshots)
-{
-    const QString dir = QStringLiteral(DLV_SCREENSHOT_DIR);
-    QDir().mkpath(dir);
-    {
-        Fixture f(makeSummaryGrid);
-        f.grid.setCollapsed(f.grid.findRow("MNT"), true);
-        f.view.resize(880, 260);
-        QApplication::processEvents();
-        EXPECT_TRUE(f.view.grab().save(dir + "/outlinegrid-summary.png"));
-        QPrinter printer(QPrinter::HighResolution);
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(dir + "/outlinegrid-summary.pdf");
-        printer.setPageOrientation(QPageLayout::Landscape);
-        EXPECT_TRUE(OutlineGridPrinter(f.grid).print(printer, "BU Summary"));
-    }
-    {
-        Fixture f(makeHierarchyGrid);
-        f.view.resize(880, 300);
-        f.grid.setCurrentCell(f.grid.findRow("N2"), 4);
-        QApplication::processEvents();
-        EXPECT_TRUE(f.view.grab().save(dir + "/outlinegrid-hierarchy.png"));
-    }
 }
