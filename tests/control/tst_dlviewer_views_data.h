@@ -21,15 +21,12 @@ inline DLVDataBuilder realisticOrganisation(quint32 seed = 20240301)
                                "Plymouth", "Truro",     "Norwich", "Ipswich",
                                "Lincoln",  "Bristol",   "Cardiff", "Swansea"};
     const std::pair<const char *, const char *> jobTypes[] = {
-        {"INST", "Installation"},      {"REPR", "Repair"},     {"MAINT", "Maintenance"},
-        {"DISC", "Disconnect"},        {"UPGR", "Upgrade"},    {"SURV", "Site Survey"},
-        {"TRBL", "Trouble Call"},      {"RELO", "Relocation"}, {"INSP", "Inspection"},
-        {"COMM", "Commercial Install"}};
+        {"INST", "Installation"}, {"REPR", "Repair"},      {"MAINT", "Maintenance"},
+        {"DISC", "Disconnect"},   {"SURV", "Site Survey"}, {"TRBL", "Trouble Call"}};
     for (const auto &[code, desc] : jobTypes)
         b.jobType(code, desc);
-    const QStringList classes = {"RES", "BUS", "PRI", "STD"};
-    b.jobClass("RES", "Residential").jobClass("BUS", "Business");
-    b.jobClass("PRI", "Priority").jobClass("STD", "Standard");
+    const QStringList classes = {"RES", "BUS", "PRI"};
+    b.jobClass("RES", "Residential").jobClass("BUS", "Business").jobClass("PRI", "Priority");
     b.format("EN", "hh:nn AMPM");
 
     const auto details = [&](const QString &id, int scale) {

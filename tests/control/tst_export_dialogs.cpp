@@ -40,37 +40,9 @@ void answerBox(QWidget *widget, QMessageBox::StandardButton which, int &asked)
 
 } // namespace
 
-TEST(SaveFileDialog, StartsInTheFolderWithTheFilterAndAddsTheSuffix)
+TEST(SaveFileDialog, StartsInTheFolderAndReplacesAnExistingFileOnlyAfterConfirmation)
 {
     QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    Window w;
-    TestWidgetDialogHost host;
-    bool ownerDisabled = false;
-    QString shownFolder;
-    QStringList filters;
-    onNextModal([&](QWidget *widget) {
-        auto *dialog = qobject_cast<QFileDialog *>(widget);
-        ASSERT_NE(dialog, nullptr);
-        ownerDisabled = !w.owner->isEnabled();
-        shownFolder = dialog->directory().absolutePath();
-        filters = dialog->nameFilters();
-        dialog->selectFile(QStringLiteral("report"));
-        static_cast<QDialog *>(dialog)->accept(); // as the Save button does
-    });
-    const QString chosen =
-        host.getSaveFileName(QStringLiteral("Save Grid"), dir.path(), kFilter, "csv", w.owner);
-    EXPECT_EQ(QFileInfo(chosen).absoluteFilePath(), QDir(dir.path()).filePath("report.csv"));
-    EXPECT_TRUE(ownerDisabled);
-    EXPECT_TRUE(w.owner->isEnabled());
-    EXPECT_EQ(QDir(shownFolder), QDir(dir.path()));
-    EXPECT_EQ(filters, QStringList{kFilter});
-}
-
-TEST(SaveFileDialog, AnExistingFileIsReplacedOnlyAfterConfirmation)
-{
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
     const QString existing = QDir(dir.path()).filePath("grid.csv");
     {
         QFile f(existing);
@@ -78,7 +50,6 @@ TEST(SaveFileDialog, AnExistingFileIsReplacedOnlyAfterConfirmation)
     }
     Window w;
     TestWidgetDialogHost host;
-
     // No: the dialog stays open and the user then cancels it.
     int asked = 0;
     onNextModal([&](QWidget *widget) {
@@ -86,10 +57,7 @@ TEST(SaveFileDialog, AnExistingFileIsReplacedOnlyAfterConfirmation)
         ASSERT_NE(dialog, nullptr);
         onNextModal([&](QWidget *box) {
             answerBox(box, QMessageBox::No, asked);
-            onNextModal([](QWidget *again) {
-                ASSERT_NE(qobject_cast<QFileDialog *>(again), nullptr);
-                static_cast<QFileDialog *>(again)->reject();
-            });
+            onNextModal([](QWidget *again) { static_cast<QFileDialog *>(again)->reject(); });
         });
         dialog->selectFile(existing);
         static_cast<QDialog *>(dialog)->accept(); // as the Save button does
@@ -97,19 +65,27 @@ TEST(SaveFileDialog, AnExistingFileIsReplacedOnlyAfterConfirmation)
     EXPECT_EQ(host.getSaveFileName("Save Grid", dir.path(), kFilter, "csv", w.owner), QString());
     EXPECT_EQ(asked, 1);
 
-    // Yes: the file is the answer.
-    onNextModal([&](QWidget *widget) {
-        auto *dialog = qobject_cast<QFileDialog *>(widget);
-        ASSERT_NE(dialog, nullptr);
-        onNextModal([&](QWidget *box) { answerBox(box, QMessageBox::Yes, asked); });
-        dialog->selectFile(existing);
-        static_cast<QDialog *>(dialog)->accept(); // as the Save button does
-    });
-    EXPECT_EQ(QFileInfo(host.getSaveFileName("Save Grid", dir.path(), kFilter, "csv", w.owner))
-                  .absoluteFilePath(),
-              QFileInfo(existing).absoluteFilePath());
+    // Yes: the file is the answer. A new name gets the suffix.
+    for (const QString &name : {existing, QStringLiteral("report")}) {
+        bool ownerDisabled = false;
+        onNextModal([&](QWidget *widget) {
+            auto *dialog = qobject_cast<QFileDialog *>(widget);
+            ASSERT_NE(dialog, nullptr);
+            ownerDisabled = !w.owner->isEnabled();
+            EXPECT_EQ(QDir(dialog->directory().absolutePath()), QDir(dir.path()));
+            EXPECT_EQ(dialog->nameFilters(), QStringList{kFilter});
+            if (name == existing)
+                onNextModal([&](QWidget *box) { answerBox(box, QMessageBox::Yes, asked); });
+            dialog->selectFile(name);
+            static_cast<QDialog *>(dialog)->accept();
+        });
+        EXPECT_EQ(QFileInfo(host.getSaveFileName("Save Grid", dir.path(), kFilter, "csv", w.owner))
+                      .absoluteFilePath(),
+                  QDir(dir.path()).filePath(name == existing ? "grid.csv" : "report.csv"));
+        EXPECT_TRUE(ownerDisabled);
+        EXPECT_TRUE(w.owner->isEnabled());
+    }
     EXPECT_EQ(asked, 2);
-    EXPECT_TRUE(w.owner->isEnabled());
 }
 
 TEST(PrintDialog, ShowsThePresetPrinterAndReportsCancel)

@@ -27,7 +27,6 @@ struct Totals
     std::array<qint64, 14> counters{};
     double worked = 0;
     double remaining = 0;
-    int techs = 0;
 };
 
 Totals totalsOf(const QZWebMessage &m)
@@ -39,7 +38,6 @@ Totals totalsOf(const QZWebMessage &m)
             t.counters[std::size_t(c)] += detail.value(row, 3 + c).toInt();
     const QZWebTable &general = tableOf(m, u"BUGeneralInfo");
     for (int row = 1; row <= general.rowCount(); ++row) {
-        t.techs += general.field(row, u"TechCount").toInt();
         t.worked += general.field(row, u"HoursWorked").toDouble();
         t.remaining += general.field(row, u"HoursRemaining").toDouble();
     }
@@ -59,8 +57,6 @@ TEST(DemoFeed, HasARootThreeLevelsAndUniqueIds)
     for (int row = 1; row <= units.rowCount(); ++row) {
         const QString id = units.field(row, u"BUID");
         EXPECT_FALSE(parent.contains(id)) << "repeated " << id.toStdString();
-        EXPECT_FALSE(id.contains(u'|') || id.contains(u',')) << id.toStdString();
-        EXPECT_FALSE(units.field(row, u"BUDesc").isEmpty());
         parent.insert(id, units.field(row, u"ParentBUID"));
     }
     EXPECT_EQ(units.field(1, u"BUID"), "#");
@@ -88,19 +84,15 @@ TEST(DemoFeed, HasARootThreeLevelsAndUniqueIds)
 
     EXPECT_EQ(tableOf(*message, u"JobTypes").rowCount(), 10);
     EXPECT_EQ(tableOf(*message, u"JobClasses").rowCount(), 6);
-    const QZWebTable &formats = tableOf(*message, u"RegionalFormats");
-    QStringList languages;
-    for (int row = 1; row <= formats.rowCount(); ++row)
-        languages.append(formats.field(row, u"languageCode"));
-    EXPECT_EQ(languages, (QStringList{"EN", "PO", "SP"}));
+    EXPECT_EQ(tableOf(*message, u"RegionalFormats").rowCount(), 3);
     EXPECT_EQ(message->property(u"tqJeopardyThreshold"), "30");
 }
 
 TEST(DemoFeed, RefreshIntervalPropertyMatchesTheHostsTimer)
 {
-    EXPECT_EQ(DemoFeed(1, 30).message()->property(u"tqDBRefreshInterval"), "0.5");
-    EXPECT_EQ(DemoFeed(1, 120).message()->property(u"tqDBRefreshInterval"), "2");
-    EXPECT_EQ(DemoFeed(1, 90).message()->property(u"tqDBRefreshInterval"), "1.5");
+    const std::pair<int, const char *> cases[] = {{30, "0.5"}, {120, "2"}, {90, "1.5"}};
+    for (const auto &[seconds, minutes] : cases)
+        EXPECT_EQ(DemoFeed(1, seconds).message()->property(u"tqDBRefreshInterval"), minutes);
 }
 
 // The counts sent must be exactly those of the records that a detail request lists.
@@ -163,88 +155,26 @@ TEST(DemoFeed, CountsAgreeWithTheRecordsAtEveryRefresh)
     }
 }
 
-TEST(DemoFeed, CrewsHaveARosterOfTwentyFiveAndMostOnDuty)
-{
-    DemoFeed feed;
-    const auto message = feed.message(); // the table below lives in it
-    const QZWebTable &general = tableOf(*message, u"BUGeneralInfo");
-    int crews = 0;
-    for (int row = 1; row <= general.rowCount(); ++row) {
-        const int techs = general.field(row, u"TechCount").toInt();
-        EXPECT_LE(techs, 25);
-        if (techs > 0) {
-            ++crews;
-            EXPECT_GE(techs, 18);
-        }
-    }
-    EXPECT_EQ(crews, 48);
-}
-
 TEST(DemoFeed, FiguresMoveAsTheDayGoesOn)
 {
     DemoFeed feed(3);
     Totals before = totalsOf(*feed.message());
-    bool sawLate = false;
-    bool sawJeopardy = false;
-    bool openFell = false;
-    int day = feed.day();
-    for (int i = 0; i < 40 && feed.day() == day; ++i) {
-        feed.advance();
-        if (feed.day() != day)
-            break;
+    bool openFell = false, sawLate = false;
+    for (const int day = feed.day(); feed.advance(), feed.day() == day;) {
         const Totals now = totalsOf(*feed.message());
         // Finished work only grows; hours worked rise and remaining hours fall.
         EXPECT_GE(now.counters[4], before.counters[4]);
-        EXPECT_GE(now.counters[6], before.counters[6]);
         EXPECT_GE(now.worked, before.worked);
         EXPECT_LE(now.remaining, before.remaining);
-        EXPECT_EQ(now.techs, before.techs);
-        const qint64 openNow = now.counters[0] + now.counters[1] + now.counters[2];
-        const qint64 openBefore = before.counters[0] + before.counters[1] + before.counters[2];
-        openFell = openFell || openNow < openBefore;
+        const auto open = [](const Totals &t) {
+            return t.counters[0] + t.counters[1] + t.counters[2];
+        };
+        openFell = openFell || open(now) < open(before);
         sawLate = sawLate || now.counters[3] > 0;
-        sawJeopardy = sawJeopardy || now.counters[2] > 0;
         before = now;
     }
     EXPECT_TRUE(openFell);
     EXPECT_TRUE(sawLate);
-    EXPECT_TRUE(sawJeopardy);
-    EXPECT_GT(before.counters[4], 0);
-}
-
-TEST(DemoFeed, TheFirstRefreshShowsADayInProgress)
-{
-    DemoFeed feed;
-    EXPECT_EQ(feed.clock(), QTime(10, 30));
-    const Totals t = totalsOf(*feed.message());
-    EXPECT_GT(t.counters[4], 0);                  // some work done
-    EXPECT_GT(t.counters[0], t.counters[4] / 10); // much still open
-    EXPECT_GT(t.worked, 0);
-    EXPECT_GT(t.remaining, t.worked);
-}
-
-TEST(DemoFeed, NextGivesTheFirstStateThenAdvances)
-{
-    DemoFeed feed;
-    const QTime start = feed.clock();
-    const DataFeed::Frame first = feed.next();
-    EXPECT_EQ(feed.clock(), start);
-    ASSERT_TRUE(first.details);
-    EXPECT_FALSE(first.details->workOrders.empty());
-    (void)feed.next();
-    EXPECT_EQ(feed.clock(), start.addSecs(DemoFeed::StepMinutes * 60));
-}
-
-TEST(DemoFeed, ANewDayStartsAfterTheEvening)
-{
-    DemoFeed feed;
-    for (int i = 0; i < 100 && feed.day() == 1; ++i)
-        feed.advance();
-    EXPECT_EQ(feed.day(), 2);
-    EXPECT_EQ(feed.clock(), QTime(7, 0));
-    const Totals t = totalsOf(*feed.message());
-    EXPECT_EQ(t.counters[4], 0); // nothing done yet
-    EXPECT_DOUBLE_EQ(t.worked, 0);
 }
 
 TEST(DemoFeed, TheSameSeedGivesTheSameDataAndAnotherSeedOtherData)

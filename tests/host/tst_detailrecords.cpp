@@ -5,7 +5,6 @@
 #include "webdata/qzwebtable.h"
 
 #include <gtest/gtest.h>
-#include <ostream>
 
 namespace {
 
@@ -27,46 +26,34 @@ DetailRecords sample()
     return r;
 }
 
-struct SelectCase
+TEST(DetailRecords, SelectsWorkOrdersByUnitsTypeClassAndStatus)
 {
-    const char *name;
-    DetailRecords::Query query;
-    QStringList ids;
-    friend void PrintTo(const SelectCase &c, std::ostream *os) { *os << c.name; }
-};
-
-class SelectWorkOrdersTest : public ::testing::TestWithParam<SelectCase>
-{};
-
-TEST_P(SelectWorkOrdersTest, SelectsByUnitsTypeClassAndStatus)
-{
+    const struct
+    {
+        DetailRecords::Query query;
+        QStringList ids;
+    } cases[] = {
+        {{{"C1"}, {}, {}, {}}, {"W1", "W2", "W3", "W6"}},
+        {{{}, {}, {}, {}}, {}},
+        {{{"C1", "C2"}, {}, {}, "WOCompleted"}, {"W3", "W4", "W6"}},
+        {{{"C1", "C2"}, "INST", {}, "WOCompleted"}, {"W4", "W6"}},
+        {{{"C1", "C2"}, {}, "BUS", {}}, {"W2", "W5"}},
+        {{{"C1"}, "inst", "res", "WOOpen"}, {"W1"}}, // codes ignore letter case
+        {{{"C1"}, {}, {}, "Open"}, {}},
+    };
     const DetailRecords r = sample();
-    QStringList ids;
-    for (const auto *wo : r.selectWorkOrders(GetParam().query))
-        ids.append(wo->id);
-    EXPECT_EQ(ids, GetParam().ids);
+    for (const auto &c : cases) {
+        QStringList ids;
+        for (const auto *wo : r.selectWorkOrders(c.query))
+            ids.append(wo->id);
+        EXPECT_EQ(ids, c.ids);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Queries, SelectWorkOrdersTest,
-    ::testing::Values(
-        SelectCase{"AllOfOneUnit", {{"C1"}, {}, {}, {}}, {"W1", "W2", "W3", "W6"}},
-        SelectCase{"TwoUnits", {{"C1", "C2"}, {}, {}, {}}, {"W1", "W2", "W3", "W4", "W5", "W6"}},
-        SelectCase{"NoUnitsMatchNothing", {{}, {}, {}, {}}, {}},
-        SelectCase{"UnknownUnit", {{"C9"}, {}, {}, {}}, {}},
-        SelectCase{"Status", {{"C1", "C2"}, {}, {}, "WOCompleted"}, {"W3", "W4", "W6"}},
-        SelectCase{"TypeAndStatus", {{"C1", "C2"}, "INST", {}, "WOCompleted"}, {"W4", "W6"}},
-        SelectCase{"ClassOnlyAsPerClassTotals", {{"C1", "C2"}, {}, "BUS", {}}, {"W2", "W5"}},
-        SelectCase{"TypeAndClass", {{"C1"}, "INST", "RES", {}}, {"W1", "W6"}},
-        SelectCase{"CodesIgnoreLetterCase", {{"C1"}, "inst", "res", "WOOpen"}, {"W1"}},
-        SelectCase{"UnknownStatusMatchesNothing", {{"C1"}, {}, {}, "Open"}, {}}),
-    [](const ::testing::TestParamInfo<SelectCase> &info) { return std::string(info.param.name); });
 
 TEST(DetailRecords, TechniciansAreSelectedByUnitOnlyAndCountTheirCompletedOrders)
 {
     const DetailRecords r = sample();
-    DetailRecords::Query q{{"C1"}, "REP", "BUS", "WOLate"};
-    const auto techs = r.selectTechnicians(q);
+    const auto techs = r.selectTechnicians({{"C1"}, "REP", "BUS", "WOLate"});
     ASSERT_EQ(techs.size(), 2u);
     EXPECT_EQ(techs[0]->name, "Ana");
     EXPECT_EQ(techs[1]->name, "Ben");
@@ -103,61 +90,35 @@ TEST(DetailRecords, TableRoundTripKeepsEveryRecord)
     EXPECT_DOUBLE_EQ(back.technicians[1].hoursRemaining, 5);
 }
 
-struct BadRowCase
+TEST(DetailRecords, ABadRowOrAMissingColumnIsNamedInTheError)
 {
-    const char *name;
-    QStringList row;
-    const char *mentions;
-    friend void PrintTo(const BadRowCase &c, std::ostream *os) { *os << c.name; }
-};
-
-class DetailsTableErrorTest : public ::testing::TestWithParam<BadRowCase>
-{};
-
-TEST_P(DetailsTableErrorTest, NamesTheRowAndTheValue)
-{
-    QZWebTable table(QStringLiteral("Details"), DetailRecords::tableColumns());
-    table.appendRow(
-        {"WORKORDER", "W1", "C1", "INST", "RES", "WOOpen", "5", "Ana", "09:00", "", ""});
-    table.appendRow(GetParam().row);
-    try {
-        (void)DetailRecords::fromTable(table);
-        FAIL() << "no error";
-    } catch (const DLVError &e) {
-        EXPECT_TRUE(e.description().contains(QStringLiteral("row 2")))
-            << e.description().toStdString();
-        EXPECT_TRUE(e.description().contains(QString::fromUtf8(GetParam().mentions)))
-            << e.description().toStdString();
+    const std::pair<QStringList, const char *> rows[] = {
+        {{"ORDER", "W2", "C1", "", "", "", "", "", "", "", ""}, "ORDER"},
+        {{"WORKORDER", "W2", "C1", "INST", "RES", "Done", "5", "", "", "", ""}, "Done"},
+        {{"WORKORDER", "W2", "C1", "INST", "RES", "WOOpen", "2.5", "", "", "", ""}, "2.5"},
+        {{"WORKORDER", "W2", "C1", "INST", "RES", "WOOpen", "2", "", "25:99", "", ""}, "25:99"},
+        {{"USER", "T1", "C1", "", "", "", "", "Ana", "", "-1", "2"}, "-1"},
+    };
+    const auto errorOf = [](const QZWebTable &table) {
+        try {
+            (void)DetailRecords::fromTable(table);
+        } catch (const DLVError &e) {
+            return e.description();
+        }
+        return QStringLiteral("no error");
+    };
+    for (const auto &[row, mentions] : rows) {
+        QZWebTable table(QStringLiteral("Details"), DetailRecords::tableColumns());
+        table.appendRow(
+            {"WORKORDER", "W1", "C1", "INST", "RES", "WOOpen", "5", "Ana", "09:00", "", ""});
+        table.appendRow(row);
+        const QString error = errorOf(table);
+        EXPECT_TRUE(error.contains("row 2") && error.contains(QString::fromUtf8(mentions)))
+            << error.toStdString();
     }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, DetailsTableErrorTest,
-    ::testing::Values(
-        BadRowCase{"UnknownKind", {"ORDER", "W2", "C1", "", "", "", "", "", "", "", ""}, "ORDER"},
-        BadRowCase{"UnknownStatus",
-                   {"WORKORDER", "W2", "C1", "INST", "RES", "Done", "5", "", "", "", ""},
-                   "Done"},
-        BadRowCase{"FractionalPoints",
-                   {"WORKORDER", "W2", "C1", "INST", "RES", "WOOpen", "2.5", "", "", "", ""},
-                   "2.5"},
-        BadRowCase{"BadTime",
-                   {"WORKORDER", "W2", "C1", "INST", "RES", "WOOpen", "2", "", "25:99", "", ""},
-                   "25:99"},
-        BadRowCase{
-            "NegativeHours", {"USER", "T1", "C1", "", "", "", "", "Ana", "", "-1", "2"}, "-1"}),
-    [](const ::testing::TestParamInfo<BadRowCase> &info) { return std::string(info.param.name); });
-
-TEST(DetailRecords, AMissingColumnIsAnError)
-{
     QStringList columns = DetailRecords::tableColumns();
     columns.removeAll(QStringLiteral("DueTime"));
-    try {
-        (void)DetailRecords::fromTable(QZWebTable(QStringLiteral("Details"), columns));
-        FAIL() << "no error";
-    } catch (const DLVError &e) {
-        EXPECT_TRUE(e.description().contains(QStringLiteral("DueTime")));
-    }
+    EXPECT_TRUE(errorOf(QZWebTable(QStringLiteral("Details"), columns)).contains("DueTime"));
 }
 
 } // namespace

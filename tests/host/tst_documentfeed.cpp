@@ -1,5 +1,4 @@
 // Recorded data documents: a file or a folder in file-name order, checked when opened.
-#include "host/demofeed.h"
 #include "host/documentfeed.h"
 #include "support/qtprinters.h"
 #include "webdata/qzwebdata.h"
@@ -10,7 +9,6 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
-#include <ostream>
 
 namespace {
 
@@ -64,22 +62,6 @@ TEST(DocumentFeed, SendsAFolderInNumericFileNameOrderAndStaysOnTheLast)
     EXPECT_TRUE(feed->position().contains(QStringLiteral("document 2 of 2")));
 }
 
-TEST(DocumentFeed, AcceptsTheDemoDataWrittenAsADocument)
-{
-    DemoFeed demo(5);
-    auto message = demo.message();
-    message->data(1)->addTable(demo.details().toTable());
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("demo.xml"));
-    ASSERT_TRUE(writeFile(path, message->toXml().toUtf8()));
-    QString error;
-    auto feed = DocumentFeed::open(path, &error);
-    ASSERT_TRUE(feed) << error.toStdString();
-    const DataFeed::Frame frame = feed->next();
-    EXPECT_EQ(frame.details->workOrders.size(), demo.details().workOrders.size());
-    EXPECT_EQ(feed->unitIds(), demo.unitIds());
-}
-
 TEST(DocumentFeed, ServerStoppedDocumentsArePartOfARecording)
 {
     QTemporaryDir dir;
@@ -96,55 +78,36 @@ TEST(DocumentFeed, ServerStoppedDocumentsArePartOfARecording)
     EXPECT_TRUE(stopped.details->isEmpty());
 }
 
-struct BadDocumentCase
+TEST(DocumentFeed, ABadDocumentIsRefusedWithAReasonNamingTheFileAndTheFault)
 {
-    const char *name;
-    const char *from; // text of two-crews.xml to replace ...
-    const char *to;   // ... by this
-    const char *mentions;
-    friend void PrintTo(const BadDocumentCase &c, std::ostream *os) { *os << c.name; }
-};
-
-class BadDocumentTest : public ::testing::TestWithParam<BadDocumentCase>
-{};
-
-TEST_P(BadDocumentTest, IsRefusedWithAReasonNamingTheFileAndTheFault)
-{
-    const BadDocumentCase &c = GetParam();
-    QByteArray text = readFile(kHostDataDir + QStringLiteral("/two-crews.xml"));
-    ASSERT_TRUE(text.contains(c.from)) << c.from;
-    text.replace(c.from, c.to);
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("bad.xml"));
-    ASSERT_TRUE(writeFile(path, text));
-    QString error;
-    EXPECT_FALSE(DocumentFeed::open(path, &error));
-    EXPECT_TRUE(error.contains(QStringLiteral("bad.xml"))) << error.toStdString();
-    EXPECT_TRUE(error.contains(QString::fromUtf8(c.mentions))) << error.toStdString();
-    EXPECT_FALSE(error.contains(u'\n')) << "one line";
+    const struct
+    {
+        const char *from, *to, *mentions; // text of two-crews.xml replaced
+    } cases[] = {
+        {"</WebMessage>", "", "not a data message document"},
+        {"name=\"DLVData\"", "name=\"Hello\"", "Hello"},
+        {"<Table name=\"JobClasses\">", "<Table name=\"Classes\">", "JobClasses"},
+        {"<Column name=\"WOLate\"/>", "<Column name=\"WOLater\"/>", "WOLate"},
+        {"<V>C2</V><V>Beta Crew</V><V>R1</V>", "<V>C1</V><V>Beta Crew</V><V>R1</V>", "C1"},
+        {"<V>SP</V><V>hh:nn</V>", "<V>EN</V><V>hh:nn</V>", "languageCode"},
+        {"<V>C2</V><V>INST</V><V>RES</V><V>3</V>",
+         "<V>C2</V><V>INST</V><V>RES</V><V>99999999999</V>", "99999999999"},
+        {"<V>WOJeopardy</V>", "<V>Jeopardy</V>", "\"Jeopardy\" is not"},
+    };
+    for (const auto &c : cases) {
+        QByteArray text = readFile(kHostDataDir + QStringLiteral("/two-crews.xml"));
+        ASSERT_TRUE(text.contains(c.from)) << c.from;
+        text.replace(c.from, c.to);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("bad.xml"));
+        ASSERT_TRUE(writeFile(path, text));
+        QString error;
+        EXPECT_FALSE(DocumentFeed::open(path, &error));
+        EXPECT_TRUE(error.contains(QStringLiteral("bad.xml")) &&
+                    error.contains(QString::fromUtf8(c.mentions)) && !error.contains(u'\n'))
+            << error.toStdString();
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Documents, BadDocumentTest,
-    ::testing::Values(
-        BadDocumentCase{"Truncated", "</WebMessage>", "", "not a data message document"},
-        BadDocumentCase{"NotWellFormed", "<Row><V>R1</V>", "<Row><V>R1<V>", "not a data message"},
-        BadDocumentCase{"OtherMessage", "name=\"DLVData\"", "name=\"Hello\"", "Hello"},
-        BadDocumentCase{"MissingTable", "<Table name=\"JobClasses\">", "<Table name=\"Classes\">",
-                        "JobClasses"},
-        BadDocumentCase{"MissingColumn", "<Column name=\"WOLate\"/>", "<Column name=\"WOLater\"/>",
-                        "WOLate"},
-        BadDocumentCase{"RepeatedUnit", "<V>C2</V><V>Beta Crew</V><V>R1</V>",
-                        "<V>C1</V><V>Beta Crew</V><V>R1</V>", "C1"},
-        BadDocumentCase{"RepeatedLanguage", "<V>SP</V><V>hh:nn</V>", "<V>EN</V><V>hh:nn</V>",
-                        "languageCode"},
-        BadDocumentCase{"CounterOutOfRange", "<V>C2</V><V>INST</V><V>RES</V><V>3</V>",
-                        "<V>C2</V><V>INST</V><V>RES</V><V>99999999999</V>", "99999999999"},
-        BadDocumentCase{"BadDetailsStatus", "<V>WOJeopardy</V>", "<V>Jeopardy</V>",
-                        "\"Jeopardy\" is not"}),
-    [](const ::testing::TestParamInfo<BadDocumentCase> &info) {
-        return std::string(info.param.name);
-    });
 
 TEST(DocumentFeed, RefusesMissingPathsEmptyFoldersAndFoldersWithABadDocument)
 {

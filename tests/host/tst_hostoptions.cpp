@@ -3,7 +3,6 @@
 #include "support/qtprinters.h"
 
 #include <gtest/gtest.h>
-#include <ostream>
 
 namespace {
 
@@ -53,79 +52,49 @@ TEST(HostOptions, ReadsEveryOption)
     EXPECT_TRUE(o.isBatch());
 }
 
-struct BatchCase
+TEST(HostOptions, EachOutputOrChoiceMakesTheRunABatchRun)
 {
-    const char *name;
-    QStringList args;
-    friend void PrintTo(const BatchCase &c, std::ostream *os) { *os << c.name; }
-};
-
-class BatchOptionTest : public ::testing::TestWithParam<BatchCase>
-{};
-
-TEST_P(BatchOptionTest, MakesTheRunABatchRun)
-{
-    const HostOptions o = parse(GetParam().args);
-    ASSERT_EQ(o.action, HostOptions::Action::Run) << o.errorMessage.toStdString();
-    EXPECT_TRUE(o.isBatch());
+    const QStringList cases[] = {
+        {"--select", "A"},        {"--aggregate"},           {"--display", "work-orders"},
+        {"--tab", "summary"},     {"--profile", "P"},        {"--export-csv", "x.csv"},
+        {"--print-pdf", "x.pdf"}, {"--screenshot", "x.png"}, {"--panel"}};
+    for (const QStringList &args : cases) {
+        const HostOptions o = parse(args);
+        EXPECT_EQ(o.action, HostOptions::Action::Run) << o.errorMessage.toStdString();
+        EXPECT_TRUE(o.isBatch()) << args.join(u' ').toStdString();
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Options, BatchOptionTest,
-                         ::testing::Values(BatchCase{"Select", {"--select", "A"}},
-                                           BatchCase{"Aggregate", {"--aggregate"}},
-                                           BatchCase{"Display", {"--display", "work-orders"}},
-                                           BatchCase{"Tab", {"--tab", "summary"}},
-                                           BatchCase{"Profile", {"--profile", "P"}},
-                                           BatchCase{"Export", {"--export-csv", "x.csv"}},
-                                           BatchCase{"Print", {"--print-pdf", "x.pdf"}},
-                                           BatchCase{"Screenshot", {"--screenshot", "x.png"}},
-                                           BatchCase{"Panel", {"--panel"}}),
-                         [](const ::testing::TestParamInfo<BatchCase> &info) {
-                             return std::string(info.param.name);
-                         });
-
-struct BadCase
+TEST(HostOptions, EveryBadArgumentIsRefusedWithAOneLineReason)
 {
-    const char *name;
-    QStringList args;
-    const char *mentions;
-    friend void PrintTo(const BadCase &c, std::ostream *os) { *os << c.name; }
-};
-
-class BadArgumentTest : public ::testing::TestWithParam<BadCase>
-{};
-
-TEST_P(BadArgumentTest, IsRefusedWithAOneLineReason)
-{
-    const HostOptions o = parse(GetParam().args);
-    EXPECT_EQ(o.action, HostOptions::Action::Error);
-    EXPECT_TRUE(o.errorMessage.contains(QString::fromUtf8(GetParam().mentions)))
-        << o.errorMessage.toStdString();
-    EXPECT_FALSE(o.errorMessage.contains(u'\n'));
+    const std::pair<QStringList, const char *> cases[] = {
+        {{"--colour", "red"}, "colour"},
+        {{"data.xml"}, "data.xml"},
+        {{"--data"}, "data"},
+        {{"--data", " "}, "--data"},
+        {{"--lang", "FR"}, "FR"},
+        {{"--refresh", "0"}, "--refresh"},
+        {{"--refresh", "1.5"}, "1.5"},
+        {{"--refresh", "86401"}, "86401"},
+        {{"--seed", "-1"}, "--seed"},
+        {{"--display", "hours"}, "hours"},
+        {{"--tab", "panel"}, "panel"},
+        {{"--select", "A,,B"}, "empty unit id"},
+        {{"--select", "A,B,A"}, "\"A\""},
+        {{"--session-units", "A,A"}, "twice"},
+        {{"--screenshot", "shot.jpg"}, "shot.jpg"},
+        {{"--user", ""}, "--user"},
+        {{"--lang", "EN", "--lang", "PO"}, "more than once"},
+        {{"--export-csv", "x", "--print-pdf", "x"}, "same file"},
+    };
+    for (const auto &[args, mentions] : cases) {
+        const HostOptions o = parse(args);
+        EXPECT_EQ(o.action, HostOptions::Action::Error) << mentions;
+        EXPECT_TRUE(o.errorMessage.contains(QString::fromUtf8(mentions)) &&
+                    !o.errorMessage.contains(u'\n'))
+            << o.errorMessage.toStdString();
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Arguments, BadArgumentTest,
-    ::testing::Values(BadCase{"UnknownOption", {"--colour", "red"}, "colour"},
-                      BadCase{"Positional", {"data.xml"}, "data.xml"},
-                      BadCase{"MissingValue", {"--data"}, "data"},
-                      BadCase{"EmptyData", {"--data", " "}, "--data"},
-                      BadCase{"Language", {"--lang", "FR"}, "FR"},
-                      BadCase{"RefreshZero", {"--refresh", "0"}, "--refresh"},
-                      BadCase{"RefreshFraction", {"--refresh", "1.5"}, "1.5"},
-                      BadCase{"RefreshTooLong", {"--refresh", "86401"}, "86401"},
-                      BadCase{"Seed", {"--seed", "-1"}, "--seed"},
-                      BadCase{"Display", {"--display", "hours"}, "hours"},
-                      BadCase{"Tab", {"--tab", "panel"}, "panel"},
-                      BadCase{"EmptyUnitInSelect", {"--select", "A,,B"}, "empty unit id"},
-                      BadCase{"RepeatedUnitInSelect", {"--select", "A,B,A"}, "\"A\""},
-                      BadCase{"RepeatedSessionUnit", {"--session-units", "A,A"}, "twice"},
-                      BadCase{"ScreenshotNotPng", {"--screenshot", "shot.jpg"}, "shot.jpg"},
-                      BadCase{"EmptyUser", {"--user", ""}, "--user"},
-                      BadCase{"GivenTwice", {"--lang", "EN", "--lang", "PO"}, "more than once"},
-                      BadCase{
-                          "SameFileTwice", {"--export-csv", "x", "--print-pdf", "x"}, "same file"}),
-    [](const ::testing::TestParamInfo<BadCase> &info) { return std::string(info.param.name); });
 
 TEST(HostOptions, HelpAndVersion)
 {

@@ -8,7 +8,6 @@
 #include "host/mainwindow.h"
 #include "host/profilestore.h"
 #include "support/qtprinters.h"
-#include "webdata/qzwebprofiles.h"
 
 #include <QApplication>
 #include <QFile>
@@ -82,7 +81,7 @@ class MainWindowTest : public ::testing::Test
 protected:
     void SetUp() override { ASSERT_TRUE(dir.isValid()); }
 
-    std::unique_ptr<MainWindow> makeWindow(const QString &startupProfile = {})
+    std::unique_ptr<MainWindow> makeWindow()
     {
         QString error;
         auto feed = DocumentFeed::open(kTwoCrews, &error);
@@ -92,7 +91,6 @@ protected:
         EXPECT_TRUE(store->open());
         MainWindow::Settings settings;
         settings.sessionUnits = feed->unitIds();
-        settings.startupProfile = startupProfile;
         settings.timedRefresh = false;
         return std::make_unique<MainWindow>(std::move(feed), std::move(store), settings);
     }
@@ -145,6 +143,11 @@ TEST_F(MainWindowTest, StoppingTheServerShowsItAndRestartingResumesData)
     EXPECT_TRUE(window->isServerRunning());
     EXPECT_EQ(window->dataMessagesSent(), 2);
     EXPECT_FALSE(status->isVisible());
+    // Closing stops the control and the feed.
+    window->close();
+    window->refresh();
+    window->restartServer();
+    EXPECT_EQ(window->dataMessagesSent(), 2);
 }
 
 TEST_F(MainWindowTest, ADetailRequestOpensAWindowWithTheRecordsBehindTheFigure)
@@ -166,37 +169,6 @@ TEST_F(MainWindowTest, ADetailRequestOpensAWindowWithTheRecordsBehindTheFigure)
     EXPECT_EQ(windows[0]->visibleRowCount(), 30); // the document's completed work orders
     EXPECT_EQ(windows[1]->visibleRowCount(), 5);  // Beta Crew's technicians
     EXPECT_TRUE(windows[0]->isVisible());
-}
-
-TEST_F(MainWindowTest, TheStartupProfileIsAnsweredFirstOnceThenRequestsAreAnsweredAsAsked)
-{
-    {
-        ProfileStore store(dir.filePath("p.sqlite"), "tester", "DashlonViewer");
-        ASSERT_TRUE(store.open());
-        QZWebProfiles set;
-        set.add("Default");
-        set.add("Night");
-        ASSERT_TRUE(store.answerPutProfiles(set.toXml()).contains("<V>0</V>"));
-    }
-    auto window = makeWindow(QStringLiteral("Night"));
-    auto first = [](const QString &answer) {
-        const QZWebProfiles set = QZWebProfiles::fromXml(answer);
-        return set.count() ? set.item(1).name() : QString();
-    };
-    DLVParams params;
-    params.ProfileName = QStringLiteral("Default");
-    EXPECT_EQ(first(window->answerProfileRequest("GetProfiles", params)), "Night");
-    EXPECT_EQ(first(window->answerProfileRequest("GetProfiles", params)), "Default");
-}
-
-TEST_F(MainWindowTest, ClosingStopsTheControlAndTheFeed)
-{
-    auto window = makeWindow();
-    startAndWaitForData(*window);
-    window->close();
-    window->refresh();
-    window->restartServer();
-    EXPECT_EQ(window->dataMessagesSent(), 1);
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "testwidgetdialoghost.h"
 #include "ui/captioncatalogue.h"
-#include "ui/frmerror.h"
 #include "webdata/qzwebtransport.h"
 
 #include <QHash>
@@ -39,19 +38,6 @@ TEST(CaptionTables, HoldATextForEveryKeyAndNoUnknownKeys)
             if (!CaptionCatalogue::knownKeys().contains(key))
                 unknown << key;
         EXPECT_TRUE(unknown.isEmpty()) << unknown.join(u", ").toStdString();
-    }
-}
-
-// The error dialog's English without a catalogue must match the English table.
-TEST(CaptionTables, TheErrorDialogsOwnEnglishMatchesTheTable)
-{
-    for (const QString &key : CaptionCatalogue::knownKeys()) {
-        if (key.startsWith(QLatin1String("frmError-")) ||
-            key.startsWith(QLatin1String("fraError-"))) {
-            EXPECT_EQ(frmError::englishText(key),
-                      CaptionCatalogue::builtInText(QStringLiteral("EN"), key).value_or(QString()))
-                << key.toStdString();
-        }
     }
 }
 

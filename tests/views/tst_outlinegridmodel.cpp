@@ -146,8 +146,6 @@ TEST(OutlineGridModel, LiveChangesNotifyPrecisely)
     QSignalSpy headers(&m, &QAbstractItemModel::headerDataChanged);
     QSignalSpy resets(&m, &QAbstractItemModel::modelReset);
     QSignalSpy collapses(&m, &OutlineGridModel::collapseStateChanged);
-    QSignalSpy layouts(&m, &OutlineGridModel::gridLayoutChanged);
-    QSignalSpy currents(&m, &OutlineGridModel::currentCellChanged);
 
     g.setText(4, 3, "9");
     ASSERT_EQ(changes.count(), 1);
@@ -167,11 +165,6 @@ TEST(OutlineGridModel, LiveChangesNotifyPrecisely)
     ASSERT_EQ(collapses.count(), 1);
     EXPECT_EQ(collapses[0][0].value<QModelIndex>(), m.indexForRow(2, 0));
     EXPECT_TRUE(collapses[0][1].toBool());
-
-    g.setColWidth(1, 0);
-    EXPECT_EQ(layouts.count(), 1);
-    g.setCurrentCell(3, 4);
-    ASSERT_EQ(currents.count(), 1);
 
     g.insertRow(4);
     g.moveUnder(5, 2);
@@ -202,21 +195,4 @@ TEST(OutlineGridModel, TesterAcceptsEveryOperation)
     g.setFixedRows(0);
     g.setRowCount(0);
     EXPECT_EQ(m.rowCount(), 0);
-}
-
-TEST(OutlineGridModel, OutlivesItsGridAndJoinsDuringSuspension)
-{
-    auto g = std::make_unique<OutlineGrid>();
-    makeSummary(*g);
-    g->suspendRedraw();
-    OutlineGridModel m(g.get());
-    QAbstractItemModelTester tester(&m, QAbstractItemModelTester::FailureReportingMode::Fatal);
-    QSignalSpy resets(&m, &QAbstractItemModel::modelReset);
-    g->addRow();
-    g->resumeRedraw();
-    EXPECT_EQ(resets.count(), 1);
-    g.reset();
-    EXPECT_EQ(m.grid(), nullptr);
-    EXPECT_EQ(m.rowCount(), 0);
-    EXPECT_EQ(m.columnCount(), 0);
 }

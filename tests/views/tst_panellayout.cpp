@@ -10,8 +10,9 @@ TEST(PanelLayout, ProportionsMinimumWidthAndColumnDivisors)
         double twipsPerPixel;
         double laidOutPixels;
     } cases[] = {
-        {1000, 15, 1000}, {1920, 15, 1920}, {1000, 12, 1000},
-        {856, 15, 856},   {500, 15, 856}, // narrower than the minimum: laid out as 856 pixels wide
+        {1920, 15, 1920},
+        {1000, 12, 1000},
+        {500, 15, 856}, // narrower than the minimum: laid out as 856 pixels wide
         {855.9, 12, 856},
     };
     for (const auto &c : cases) {
