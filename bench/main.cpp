@@ -1,6 +1,7 @@
 // dlv-bench: synthetic data through the refresh path, one JSON line per stage.
 #include "benchsurface.h"
 #include "datagenerator.h"
+#include "endurancerun.h"
 #include "model/cdlvcontroller.h"
 #include "stage.h"
 #include "viewerbench.h"
@@ -99,7 +100,15 @@ int main(int argc, char **argv)
         QStringLiteral("scaling"),
         QStringLiteral("Also time the load at N and 2N detail rows, and every fill stage at N "
                        "and 2N units and detail rows, and print the ratios."));
-    parser.addOptions({bus, depth, jobTypes, classes, details, seed, scaling});
+    const QCommandLineOption endurance(
+        QStringLiteral("endurance"),
+        QStringLiteral("Instead of the stages: send a live control a long run of data messages of "
+                       "changing shape (with server-stopped and malformed ones) and report memory "
+                       "growth, the slowest refresh and the message counts."));
+    const QCommandLineOption messages(QStringLiteral("messages"),
+                                      QStringLiteral("Messages of the endurance run."),
+                                      QStringLiteral("n"), QStringLiteral("2000"));
+    parser.addOptions({bus, depth, jobTypes, classes, details, seed, scaling, endurance, messages});
     parser.process(app);
 
     const auto intValue = [&](const QCommandLineOption &option) {
@@ -112,6 +121,14 @@ int main(int argc, char **argv)
         }
         return value;
     };
+    if (parser.isSet(endurance)) {
+        EnduranceRun::Options run;
+        run.messages = std::max(intValue(messages), 1);
+        run.warmUp = std::min(100, run.messages);
+        run.seed = parser.value(seed).toUInt();
+        return EnduranceRun::run(run);
+    }
+
     DataGenerator::Options options;
     options.units = intValue(bus);
     options.depth = intValue(depth);

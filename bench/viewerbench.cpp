@@ -4,6 +4,7 @@
 #include "control/dlviewer.h"
 #include "control/dlviewer_p.h"
 #include "model/cdlvcontroller.h"
+#include "viewertestaccess.h"
 #include "views/hierarchygrid.h"
 #include "webdata/qzwebdata.h"
 #include "webdata/qzwebmessage.h"
@@ -16,13 +17,6 @@
 #include <QRadioButton>
 #include <QTreeWidget>
 #include <algorithm>
-
-/// The control keeps its fills private; the benchmark times them one by one as the tests do.
-class DLViewerTestAccess
-{
-public:
-    static DLViewerPrivate &d(DLViewer &viewer) { return *viewer.d; }
-};
 
 namespace {
 

@@ -7,6 +7,7 @@ packages=(
     g++ cmake ninja-build ccache pkg-config
     qt6-base-dev libqt6sql6-sqlite libpugixml-dev libgtest-dev
     xvfb xauth fonts-dejavu-core poppler-utils python3
+    clang libclang-rt-14-dev
 )
 
 missing=()

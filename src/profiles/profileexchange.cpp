@@ -9,6 +9,7 @@
 #include "webdata/qzwebprofile.h"
 #include "webdata/qzwebtable.h"
 
+#include <QScopeGuard>
 #include <QVariant>
 #include <algorithm>
 #include <optional>
@@ -16,7 +17,6 @@
 namespace {
 
 const QString kDefault = QStringLiteral("Default");
-
 
 } // namespace
 
@@ -134,74 +134,87 @@ void ProfileExchange::ReceiveProfileResponse(const QString &ResultXML, const QSt
     if (m_stopped)
         return;
     m_host.setHourglass(false);
-    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("ReceiveProfileResponse"), [&] {
-        using Request = ProfileHost::Request;
-        const auto is = [&FunctionName](Request r) {
-            return FunctionName == ProfileHost::requestName(r);
-        };
-        if (!is(Request::GetProfileList) && !is(Request::GetProfiles) &&
-            !is(Request::PutProfiles) && !is(Request::SaveProfileAs) && !is(Request::AddProfiles) &&
-            !is(Request::RemoveProfiles)) {
-            qCDebug(lcProfiles) << "ignored profile answer" << FunctionName;
-            return;
-        }
+    ErrorTrap::run(
+        &m_host.errorReporter(), ErrorTrap::viewerLocation("ReceiveProfileResponse"), [&] {
+            using Request = ProfileHost::Request;
+            const auto is = [&FunctionName](Request r) {
+                return FunctionName == ProfileHost::requestName(r);
+            };
+            if (!is(Request::GetProfileList) && !is(Request::GetProfiles) &&
+                !is(Request::PutProfiles) && !is(Request::SaveProfileAs) &&
+                !is(Request::AddProfiles) && !is(Request::RemoveProfiles)) {
+                qCDebug(lcProfiles) << "ignored profile answer" << FunctionName;
+                return;
+            }
 
-        // A host error, or an answer the envelope could not even read, has been reported by now.
-        const int reportsBefore = m_reporter.count;
-        bool recognised = false;
-        m_envelope.ParseResult(QVariant(ResultXML), ErrorTrap::viewerLocation("ReceiveProfileResponse"), recognised);
-        const bool failed = m_envelope.LastErrorNumber() != 0 || m_reporter.count != reportsBefore;
+            // A host error, or an answer the envelope could not even read, has been reported by
+            // now.
+            const int reportsBefore = m_reporter.count;
+            bool recognised = false;
+            m_envelope.ParseResult(QVariant(ResultXML),
+                                   ErrorTrap::viewerLocation("ReceiveProfileResponse"), recognised);
+            const bool failed =
+                m_envelope.LastErrorNumber() != 0 || m_reporter.count != reportsBefore;
 
-        if (is(Request::GetProfileList)) {
-            if (!failed) {
-                if (const std::optional<QStringList> ids = ProfileIdList::parse(ResultXML)) {
-                    m_names = StringSet(KeyCompare::CaseInsensitive);
+            if (is(Request::GetProfileList)) {
+                if (!failed) {
+                    if (const std::optional<QStringList> ids = ProfileIdList::parse(ResultXML)) {
+                        m_names = StringSet(KeyCompare::CaseInsensitive);
+                        for (const QString &id : *ids)
+                            m_names.addIfAbsent(id, id);
+                    }
+                }
+                // Without a profile the control cannot start: ask for the default one whatever
+                // the list said.
+                if (!m_profilesLoaded)
+                    GetProfile();
+            } else if (is(Request::GetProfiles)) {
+                if (m_takingFirstProfiles) {
+                    // A host answering inside the first answer's store request: the first profile
+                    // is half made current and ClientReady not yet posted; a second first answer
+                    // would post it twice, a later one would replace the profiles being worked on.
+                    qCWarning(lcProfiles) << "ignored a profile set answered inside the first one";
+                    return;
+                }
+                if (!m_profilesLoaded)
+                    receiveFirstProfiles(ResultXML, failed);
+                else
+                    receiveLaterProfiles(ResultXML, failed);
+            } else if (is(Request::PutProfiles)) {
+                if (!failed && m_profilesLoaded)
+                    m_host.rerunView();
+            } else if (is(Request::SaveProfileAs)) {
+                if (failed)
+                    return;
+                const std::optional<QStringList> ids = ProfileIdList::parse(ResultXML);
+                if (!ids)
+                    return;
+                for (const QString &id : *ids) {
+                    if (id == m_pendingSaveAsName) {
+                        m_names.addIfAbsent(id, id);
+                        ChooseNewProfile(m_pendingSaveAsName);
+                    }
+                }
+            } else if (is(Request::AddProfiles)) {
+                if (failed)
+                    return;
+                if (const std::optional<QStringList> ids = ProfileIdList::parse(ResultXML))
                     for (const QString &id : *ids)
                         m_names.addIfAbsent(id, id);
-                }
+            } else if (is(Request::RemoveProfiles)) {
+                if (failed)
+                    return;
+                if (const std::optional<QStringList> ids = ProfileIdList::parse(ResultXML))
+                    for (const QString &id : *ids)
+                        m_names.remove(id);
             }
-            // Without a profile the control cannot start: ask for the default one whatever
-            // the list said.
-            if (!m_profilesLoaded)
-                GetProfile();
-        } else if (is(Request::GetProfiles)) {
-            if (!m_profilesLoaded)
-                receiveFirstProfiles(ResultXML, failed);
-            else
-                receiveLaterProfiles(ResultXML, failed);
-        } else if (is(Request::PutProfiles)) {
-            if (!failed && m_profilesLoaded)
-                m_host.rerunView();
-        } else if (is(Request::SaveProfileAs)) {
-            if (failed)
-                return;
-            const std::optional<QStringList> ids = ProfileIdList::parse(ResultXML);
-            if (!ids)
-                return;
-            for (const QString &id : *ids) {
-                if (id == m_pendingSaveAsName) {
-                    m_names.addIfAbsent(id, id);
-                    ChooseNewProfile(m_pendingSaveAsName);
-                }
-            }
-        } else if (is(Request::AddProfiles)) {
-            if (failed)
-                return;
-            if (const std::optional<QStringList> ids = ProfileIdList::parse(ResultXML))
-                for (const QString &id : *ids)
-                    m_names.addIfAbsent(id, id);
-        } else if (is(Request::RemoveProfiles)) {
-            if (failed)
-                return;
-            if (const std::optional<QStringList> ids = ProfileIdList::parse(ResultXML))
-                for (const QString &id : *ids)
-                    m_names.remove(id);
-        }
-    });
+        });
 }
 
 void ProfileExchange::receiveFirstProfiles(const QString &result, bool failed)
 {
+    m_takingFirstProfiles = true;
+    const auto done = qScopeGuard([this] { m_takingFirstProfiles = false; });
     // A failed first answer only costs the host's profiles: the control still gets a current
     // profile and tells the host it is ready, or it would wait for data for ever.
     if (!failed && !result.trimmed().isEmpty()) {
@@ -362,9 +375,10 @@ void ProfileExchange::frmProf_RemoveProfile(const QString &name)
 {
     if (m_stopped)
         return;
-    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("frmProf_RemoveProfile"), [&] {
-        DLVParams params;
-        params.ProfileName = name;
-        request(ProfileHost::Request::RemoveProfiles, params);
-    });
+    ErrorTrap::run(&m_host.errorReporter(), ErrorTrap::viewerLocation("frmProf_RemoveProfile"),
+                   [&] {
+                       DLVParams params;
+                       params.ProfileName = name;
+                       request(ProfileHost::Request::RemoveProfiles, params);
+                   });
 }

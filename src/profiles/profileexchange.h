@@ -118,6 +118,7 @@ private:
     ProfileDocument m_document;
     StringSet m_names{KeyCompare::CaseInsensitive};
     bool m_profilesLoaded = false;
+    bool m_takingFirstProfiles = false; // inside receiveFirstProfiles
     bool m_stopped = false;
     QString m_requestedName;
     QString m_pendingSaveAsName;

@@ -163,6 +163,19 @@ TEST_P(Exchange, FaultyStartUpAnswersStillStartWithDefault)
     }
 }
 
+TEST_P(Exchange, AProfileSetAnsweredToTheFirstStoreDoesNotStartTwice)
+{
+    // A host without profiles gets "Default" stored at once; this one answers the store with a
+    // profile set, inside the request, while the first profile is still being made current.
+    QZWebProfiles other;
+    HostDocs::addComplete(other, QStringLiteral("Other"));
+    host.answerAs[Request::PutProfiles] = Request::GetProfiles;
+    host.answerWith[Request::PutProfiles].push_back(HostDocs::profileSet(other));
+    start();
+    EXPECT_EQ(host.clientReady, 1);
+    EXPECT_EQ(exchange.document().currentName(), QStringLiteral("Default"));
+}
+
 TEST_P(Exchange, ChoosingAProfileReplacesTheSetAndTheFirstOfTheAnswerBecomesCurrent)
 {
     startWithTwo();

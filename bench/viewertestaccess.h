@@ -1,0 +1,12 @@
+#pragma once
+
+#include "control/dlviewer.h"
+#include "control/dlviewer_p.h"
+
+/// The control keeps its fills and its controller private; the benchmark reaches them the way the
+/// tests do (the control befriends this class).
+class DLViewerTestAccess
+{
+public:
+    static DLViewerPrivate &d(DLViewer &viewer) { return *viewer.d; }
+};
