@@ -11,12 +11,13 @@
 /// The storage of the job-type and job-class collections: members by value in insertion order,
 /// keyed by their Code() without regard to letter case. A unit has a few dozen job types and a
 /// type a handful of classes, and there are hundreds of thousands of such lists per refresh, so
-/// a short list is searched directly (no hash table to allocate per list); a hash index is built
-/// once a list grows past LinearLimit members.
+/// a list is searched directly (exact matches first, see indexOf) and gets a hash index only once
+/// it grows past LinearLimit members: building ten thousand small hash tables per refresh cost
+/// more than the short scans they replace.
 template <typename T> class KeyedList
 {
 public:
-    static constexpr qsizetype LinearLimit = 16;
+    static constexpr qsizetype LinearLimit = 64;
 
     [[nodiscard]] qsizetype count() const { return qsizetype(m_items.size()); }
 
