@@ -11,51 +11,39 @@
 
 #include <QString>
 #include <QStringList>
-#include <algorithm>
 #include <array>
 #include <deque>
-#include <functional>
 #include <map>
 #include <optional>
-#include <tuple>
 #include <vector>
 
 /// When a scripted host answers a profile request.
 enum class AnswerMode
 {
-    Inside, ///< inside the raising call, as a host that answers in its slot
-    Later,  ///< after the raise returned, when the test calls settle()
+    Inside, ///< inside the raising call
+    Later,  ///< when the test calls settle()
 };
 
-/// Documents a host sends back, built the way docs/host-protocol.md describes them.
+/// Documents a host sends back.
 namespace HostDocs {
 
-inline QString errorTable(int number, const QString &description)
-{
-    return QStringLiteral("<Table name=\"Error\"><Column name=\"ErrorNumber\"/>"
-                          "<Column name=\"ErrorDescription\"/><Row><V>%1</V><V>%2</V></Row>"
-                          "</Table>")
-        .arg(number)
-        .arg(description.toHtmlEscaped());
-}
-
-inline QString profileIds(const QStringList &names)
-{
-    QString ids = QStringLiteral("<ProfileIDs>");
-    for (const QString &name : names)
-        ids += QStringLiteral("<ProfileID>") + name + QStringLiteral("</ProfileID>");
-    return ids + QStringLiteral("</ProfileIDs>");
-}
-
-/// A WebData answer: the error table, then the profile-ID list when names are given.
 inline QString webData(int number, const QString &description,
                        const std::optional<QStringList> &names = std::nullopt)
 {
-    return QStringLiteral("<WebData>") + errorTable(number, description) +
-           (names ? profileIds(*names) : QString()) + QStringLiteral("</WebData>");
+    QString xml = QStringLiteral("<WebData><Table name=\"Error\"><Column name=\"ErrorNumber\"/>"
+                                 "<Column name=\"ErrorDescription\"/><Row><V>%1</V><V>%2</V>"
+                                 "</Row></Table>")
+                      .arg(number)
+                      .arg(description.toHtmlEscaped());
+    if (names) {
+        xml += QStringLiteral("<ProfileIDs>");
+        for (const QString &name : *names)
+            xml += QStringLiteral("<ProfileID>") + name + QStringLiteral("</ProfileID>");
+        xml += QStringLiteral("</ProfileIDs>");
+    }
+    return xml + QStringLiteral("</WebData>");
 }
 
-/// A GetProfiles answer: the set with an error table.
 inline QString profileSet(QZWebProfiles set, int number = 0, const QString &description = {})
 {
     QZWebTable error(QStringLiteral("Error"),
@@ -66,26 +54,20 @@ inline QString profileSet(QZWebProfiles set, int number = 0, const QString &desc
 }
 
 /// A profile with both sections as the control writes them.
-inline QZWebProfile &addComplete(QZWebProfiles &set, const QString &name,
-                                 const QString &buList = {}, const QString &summary = {},
-                                 const QString &display = {})
+inline void addComplete(QZWebProfiles &set, const QString &name)
 {
     QZWebProfile &p = set.add(name);
-    QZWebTable &select = p.addSection(QStringLiteral("DLVSelect"),
-                                      QStringLiteral("BUList,SummaryOption,DisplayByWorkOrders"));
-    select.appendRow({buList, summary, display});
+    p.addSection(QStringLiteral("DLVSelect"),
+                 QStringLiteral("BUList,SummaryOption,DisplayByWorkOrders"))
+        .appendRow({{}, {}, {}});
     QZWebTable &nodes = p.addSection(QStringLiteral("CollapsedNodes"), QStringLiteral("ID,List"));
-    nodes.appendRow({QStringLiteral("JobTypes"), {}});
-    nodes.appendRow({QStringLiteral("BUWorkOrders"), {}});
-    nodes.appendRow({QStringLiteral("BUPoints"), {}});
-    return p;
+    for (const char *id : {"JobTypes", "BUWorkOrders", "BUPoints"})
+        nodes.appendRow({QString::fromLatin1(id), {}});
 }
 
 } // namespace HostDocs
 
-/// A scripted control and host in one: it records what the profile subsystem asks of the control
-/// and answers the profile requests the way a real host with a profile store does, either inside
-/// the raise or later. Tests may replace an answer (answerWith) or make the host fail (failWith).
+/// A scripted control and host with a profile store, answering inside the raise or later.
 class FakeProfileHost final : public ProfileHost
 {
 public:
@@ -100,56 +82,33 @@ public:
 
     explicit FakeProfileHost(AnswerMode mode = AnswerMode::Inside) : mode(mode) {}
 
-    // --- script
     AnswerMode mode;
     ProfileExchange *exchange = nullptr;
-    QZWebProfiles store; ///< the host's stored profiles
-    /// Replaces the next answer to a request with this text.
-    std::map<Request, std::deque<QString>> answerWith;
-    /// Makes the next answer to a request carry this host error.
-    std::map<Request, std::deque<std::pair<int, QString>>> failWith;
-    /// Answers a request under another request's name (a confused host).
-    std::map<Request, Request> answerAs;
-    /// Requests the host does not answer at all.
-    std::vector<Request> silent;
+    QZWebProfiles store;
+    std::map<Request, std::deque<QString>> answerWith;   ///< replaces the next answer
+    std::map<Request, std::pair<int, QString>> failWith; ///< a host error in every answer
+    std::map<Request, Request> answerAs;                 ///< answers under another name
 
-    // --- records
     std::vector<Raised> raised;
     bool hourglass = false;
     int clientReady = 0;
-    QString currentAtClientReady;
-    QStringList shownNames;
-    int rerunViews = 0;
-    int profileReplacements = 0;
-    QStringList gridLog; ///< "expand 1", "collapse 2 10|11"
     RecordingReporter reporter;
     RecordingDialogHost dialogHost;
     CaptionCatalogue captionCatalogue;
 
-    // --- the view
-    QStringList selectedIds;
     bool summary = true;
-    bool display = true;
-    struct Item
-    {
-        QString key;
-        bool selected = false;
-    };
-    std::vector<Item> items;
-    bool gridsFilled = false;
+    std::vector<std::pair<QString, bool>> items; ///< unit key, selected
     std::array<QStringList, 3> collapsed;
+    QStringList gridLog; ///< "expand 1", "collapse 2 10|11"
 
-    /// Delivers the answers held back (Later mode), including those they lead to.
     void settle()
     {
         while (!pending.empty()) {
-            auto [xml, name] = pending.front();
+            const auto [xml, name] = pending.front();
             pending.pop_front();
             exchange->ReceiveProfileResponse(xml, name);
         }
     }
-    [[nodiscard]] bool hasPending() const { return !pending.empty(); }
-
     [[nodiscard]] std::vector<Request> requests() const
     {
         std::vector<Request> out;
@@ -157,56 +116,40 @@ public:
             out.push_back(r.request);
         return out;
     }
-    [[nodiscard]] std::vector<Raised> raisedOf(Request request) const
-    {
-        std::vector<Raised> out;
-        for (const Raised &r : raised)
-            if (r.request == request)
-                out.push_back(r);
-        return out;
-    }
     [[nodiscard]] QStringList selectedKeys() const
     {
         QStringList out;
-        for (const Item &item : items)
-            if (item.selected)
-                out.append(item.key);
+        for (const auto &[key, selected] : items)
+            if (selected)
+                out.append(key);
         return out;
     }
 
-    // --- ProfileHost
     void raiseProfileRequest(Request request, DLVParams &params) override
     {
         raised.push_back({request, params, hourglass});
-        if (std::find(silent.begin(), silent.end(), request) != silent.end())
-            return;
         const QString xml = answer(request, params);
-        const auto renamed = answerAs.find(request);
-        const QString name =
-            ProfileHost::requestName(renamed == answerAs.end() ? request : renamed->second);
+        const auto as = answerAs.find(request);
+        const QString name = requestName(as == answerAs.end() ? request : as->second);
         if (mode == AnswerMode::Inside)
             exchange->ReceiveProfileResponse(xml, name);
         else
             pending.emplace_back(xml, name);
     }
     void setHourglass(bool busy) override { hourglass = busy; }
-    void ClientReady() override
-    {
-        ++clientReady;
-        currentAtClientReady = exchange->document().currentName();
-    }
-    QStringList selectedBUIds() const override { return selectedIds; }
+    void ClientReady() override { ++clientReady; }
+    QStringList selectedBUIds() const override { return {}; }
     bool summaryOption() const override { return summary; }
     void setSummaryOption(bool first) override { summary = first; }
-    bool displayByWorkOrders() const override { return display; }
-    void setDisplayByWorkOrders(bool first) override { display = first; }
+    bool displayByWorkOrders() const override { return true; }
+    void setDisplayByWorkOrders(bool) override {}
     int buItemCount() const override { return int(items.size()); }
-    QString buItemKey(int index) const override { return items.at(std::size_t(index)).key; }
+    QString buItemKey(int index) const override { return items.at(std::size_t(index)).first; }
     void setBUItemSelected(int index, bool selected) override
     {
-        items.at(std::size_t(index)).selected = selected;
+        items.at(std::size_t(index)).second = selected;
     }
-    bool hierarchyGridsFilled() const override { return gridsFilled; }
+    bool hierarchyGridsFilled() const override { return true; }
     StringSet collapsedList(int gridIndex) override
     {
         StringSet set;
@@ -225,49 +168,38 @@ public:
             list.append(e.key);
         gridLog.append(QStringLiteral("collapse %1 %2").arg(gridIndex).arg(list.join(u'|')));
     }
-    void showCurrentProfile(const QString &name) override { shownNames.append(name); }
-    void rerunView() override { ++rerunViews; }
-    void profileReplaced() override { ++profileReplacements; }
+    void showCurrentProfile(const QString &) override {}
+    void rerunView() override {}
+    void profileReplaced() override {}
     const CaptionCatalogue *captions() const override { return &captionCatalogue; }
     DialogHost &dialogs() override { return dialogHost; }
     QWidget *ownerFrame() const override { return nullptr; }
     ErrorReporter &errorReporter() override { return reporter; }
 
 private:
-    template <typename T>
-    static std::optional<T> take(std::map<Request, std::deque<T>> &m, Request r)
-    {
-        auto it = m.find(r);
-        if (it == m.end() || it->second.empty())
-            return std::nullopt;
-        T value = it->second.front();
-        it->second.pop_front();
-        return value;
-    }
-
     QString answer(Request request, const DLVParams &params)
     {
-        if (std::optional<QString> text = take(answerWith, request))
-            return *text;
-        int number = 0;
-        QString description;
-        const std::optional<std::pair<int, QString>> failure = take(failWith, request);
-        if (failure)
-            std::tie(number, description) = *failure;
-
+        if (auto it = answerWith.find(request); it != answerWith.end() && !it->second.empty()) {
+            const QString text = it->second.front();
+            it->second.pop_front();
+            return text;
+        }
+        const auto failure = failWith.find(request);
+        const bool fails = failure != failWith.end();
+        const int number = fails ? failure->second.first : 0;
+        const QString description = fails ? failure->second.second : QString();
         switch (request) {
         case Request::GetProfileList: {
             QStringList names;
             for (int i = 1; i <= store.count(); ++i)
                 names.append(store.item(i).name());
             return HostDocs::webData(number, description,
-                                     failure ? std::nullopt : std::optional(names));
+                                     fails ? std::nullopt : std::optional(names));
         }
         case Request::GetProfiles: {
             QZWebProfiles set;
-            if (!failure) {
-                if (const QZWebProfile *wanted = store.find(params.ProfileName))
-                    set.add(wanted->name()) = *wanted;
+            if (const QZWebProfile *wanted = fails ? nullptr : store.find(params.ProfileName)) {
+                set.add(wanted->name()) = *wanted;
                 for (int i = 1; i <= store.count(); ++i)
                     if (!set.nameExists(store.item(i).name()))
                         set.add(store.item(i).name()) = store.item(i);
@@ -275,30 +207,20 @@ private:
             return HostDocs::profileSet(set, number, description);
         }
         case Request::PutProfiles:
-            if (!failure)
+            if (!fails)
                 store.loadXml(params.ProfilesXML);
             return HostDocs::webData(number, description);
         case Request::SaveProfileAs: {
-            if (failure)
+            if (fails)
                 return HostDocs::webData(number, description);
-            const QZWebProfiles one = QZWebProfiles::fromXml(params.ProfilesXML);
-            const QZWebProfile &p = one.item(1);
+            const QZWebProfile p = QZWebProfiles::fromXml(params.ProfilesXML).item(1);
             store.remove(p.name());
             store.add(p.name()) = p;
             return HostDocs::webData(0, {}, QStringList{p.name()});
         }
-        case Request::AddProfiles:
-            if (failure)
-                return HostDocs::webData(number, description);
-            HostDocs::addComplete(store, params.ProfileName);
-            return HostDocs::webData(0, {}, QStringList{params.ProfileName});
-        case Request::RemoveProfiles:
-            if (failure)
-                return HostDocs::webData(number, description);
-            store.remove(params.ProfileName);
-            return HostDocs::webData(0, {}, QStringList{params.ProfileName});
+        default:
+            return HostDocs::webData(number, description);
         }
-        return {};
     }
 
     std::deque<std::pair<QString, QString>> pending;
