@@ -5,12 +5,30 @@
 #include "model/dlvdatabuilder.h"
 #include "scriptedhost.h"
 #include "support/recordingdialoghost.h"
+#include "views/outlinegridview.h"
 #include "webdata/qzwebtransport.h"
 
 #include <QLabel>
+#include <QRadioButton>
+#include <QTabBar>
 #include <QTreeWidget>
 #include <gtest/gtest.h>
 #include <memory>
+
+/// North has a child East that no chosen unit reaches (a grey row); West is outside the sessions
+/// the tests start, so the unit list does not offer it and it is never part of a request.
+inline DLVDataBuilder sampleData()
+{
+    DLVDataBuilder b;
+    b.unit("#", "All units", "#").unit("N", "North", "#").unit("E", "East", "N");
+    b.unit("S", "South", "#").unit("W", "West", "S").format("EN", "hh:mm");
+    b.general("N", "N", "10", "8", "4").general("E", "E", "1", "1", "1");
+    b.general("S", "S", "5", "4", "2").general("W", "W", "2", "2", "2");
+    b.detail("N", "INS", "A", {"3", "1", "0", "0", "7"}).detail("E", "INS", "A", {"1", "1"});
+    b.detail("S", "REP", "B", {"2", "0", "1"}).detail("W", "REP", "B", {"2", "0", "1"});
+    b.property("tqJeopardyThreshold", "45");
+    return b;
+}
 
 class DLViewerTestAccess
 {
@@ -56,6 +74,34 @@ protected:
     {
         QVariant message = data.variant();
         viewer->ReceiveMessage(message, QVariant(0), QVariant());
+    }
+
+    /// A shown control with sample data, North and South chosen and the views redrawn with them.
+    void startChosen()
+    {
+        start(sampleData(), {"N", "E", "S"});
+        select({"_N", "_S"});
+        d().cmdView_Click();
+        send(sampleData());
+        viewer->show();
+    }
+
+    /// Brings grid `index` into view: 0 the summary, 1 and 2 the hierarchy by work orders, points.
+    OutlineGridView *showGrid(int index)
+    {
+        d().Tabs->setCurrentIndex(index == 0 ? 0 : 1);
+        if (index > 0)
+            d().optDisplay[size_t(index - 1)]->click();
+        return d().vsFlex[size_t(index)];
+    }
+
+    QStringList listKeys(bool selectedOnly)
+    {
+        QStringList out;
+        for (int i = 0; i < d().lvBU->topLevelItemCount(); ++i)
+            if (!selectedOnly || d().lvBU->topLevelItem(i)->isSelected())
+                out << d().buListKey(i);
+        return out;
     }
 
     /// Selects exactly the unit-list entries whose keys are given ("_" and the unit id).

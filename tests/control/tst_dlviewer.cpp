@@ -5,23 +5,12 @@
 
 #include <QAction>
 #include <QPushButton>
-#include <QTabBar>
 
 namespace {
 
 QColor textColour(QLabel *label)
 {
     return label->palette().color(QPalette::WindowText);
-}
-
-DLVDataBuilder smallData()
-{
-    DLVDataBuilder b;
-    b.unit("#", "All units", "#").unit("N", "North", "#").unit("S", "South", "#");
-    b.jobType("INS", "Installation").jobClass("A", "Class A").format("EN", "hh:mm");
-    b.general("N", "North", "10", "8", "4").general("S", "South", "5", "4", "2");
-    b.detail("N", "INS", "A", {"3", "1", "0", "0", "7"});
-    return b;
 }
 
 } // namespace
@@ -84,7 +73,7 @@ TEST_F(DLViewerShell, SessionUnitsRaiseTheProfileListRequestUnlessAnIdRepeats)
 TEST_F(DLViewerShell, ArgumentConversionFailuresReachTheHost)
 {
     initialize();
-    QVariant data = smallData().variant();
+    QVariant data = sampleData().variant();
     const struct
     {
         const char *name;
@@ -129,7 +118,7 @@ TEST_F(DLViewerShell, StartUpInTheHostsCallingOrder)
         EXPECT_TRUE(child<QLabel>("lblCurrentProfile")->isVisibleTo(viewer.get()));
         EXPECT_EQ(child<QLabel>("lblCurrentProfile")->text(), "Default");
 
-        send(smallData());
+        send(sampleData());
         EXPECT_FALSE(child<QLabel>("lblStatus")->isVisibleTo(viewer.get()));
         EXPECT_TRUE(child<QLabel>("lblLastRefreshTime")->isVisibleTo(viewer.get()));
         EXPECT_TRUE(child<QPushButton>("cmdView")->isEnabled());
@@ -141,14 +130,14 @@ TEST_F(DLViewerShell, StartUpInTheHostsCallingOrder)
 
 TEST_F(DLViewerShell, ServerStoppedShowsRedStatusAndTheNextLoadHidesIt)
 {
-    start(smallData(), {"N"});
+    start(sampleData(), {"N"});
     send(DLVDataBuilder().named(QStringLiteral("DLVServerStopped")));
     auto *status = child<QLabel>("lblStatus");
     EXPECT_TRUE(status->isVisibleTo(viewer.get()));
     EXPECT_EQ(status->text(), d().captions->caption(QStringLiteral("msg-DLVServerDown")));
     EXPECT_EQ(textColour(status), QColor(255, 0, 0));
 
-    send(smallData());
+    send(sampleData());
     EXPECT_FALSE(status->isVisibleTo(viewer.get()));
     EXPECT_TRUE(status->text().isEmpty());
     EXPECT_EQ(textColour(status), QColor(0, 0, 255));
@@ -157,20 +146,20 @@ TEST_F(DLViewerShell, ServerStoppedShowsRedStatusAndTheNextLoadHidesIt)
 TEST_F(DLViewerShell, LoadFailureIsReportedThroughTheErrorDialog)
 {
     initialize();
-    send(smallData().withoutColumn(QStringLiteral("BUDetailsInfo"), QStringLiteral("WOLate")));
+    send(sampleData().withoutColumn(QStringLiteral("BUDetailsInfo"), QStringLiteral("WOLate")));
     ASSERT_FALSE(dialogs->calls.empty());
     const auto &call = dialogs->calls.front();
     EXPECT_EQ(call.kind, RecordingDialogHost::Kind::Error);
     EXPECT_EQ(call.location, QStringLiteral("cDLVController.LoadBUData"));
     EXPECT_EQ(call.owner, child<QWidget>("fraDLV"));
     EXPECT_EQ(call.captions, d().captions.get());
-    send(smallData()); // the controller stays usable
+    send(sampleData()); // the controller stays usable
     EXPECT_TRUE(child<QPushButton>("cmdView")->isEnabled());
 }
 
 TEST_F(DLViewerShell, StopControlReleasesEverythingAndLaterCallsAreHarmless)
 {
-    start(smallData(), {"N"});
+    start(sampleData(), {"N"});
     viewer->StopControl();
     EXPECT_EQ(d().mDLV, nullptr);
     EXPECT_EQ(d().captions, nullptr);
@@ -178,7 +167,7 @@ TEST_F(DLViewerShell, StopControlReleasesEverythingAndLaterCallsAreHarmless)
     EXPECT_FALSE(child<QPushButton>("cmdView")->isEnabled());
     EXPECT_FALSE(child<QAction>("Help")->isVisible());
     // A host that still sends something must not bring the control down.
-    send(smallData());
+    send(sampleData());
     QString result = ScriptedHost::plainAnswer();
     QString function = QStringLiteral("PutProfiles");
     viewer->ReceiveProfileResponse(result, function);

@@ -3,28 +3,10 @@
 
 #include "common/dlverror.h"
 #include "controlfixture.h"
-#include "views/outlinegridview.h"
 
-#include <QRadioButton>
-#include <QTabBar>
 #include <QTest>
 
 namespace {
-
-// North has a child East that no chosen unit reaches (a grey row); West is outside the session,
-// so the unit list does not offer it and it is never part of a request.
-DLVDataBuilder drillData()
-{
-    DLVDataBuilder b;
-    b.unit("#", "All units", "#").unit("N", "North", "#").unit("E", "East", "N");
-    b.unit("S", "South", "#").unit("W", "West", "S").format("EN", "hh:mm");
-    b.general("N", "N", "10", "8", "4").general("E", "E", "1", "1", "1");
-    b.general("S", "S", "5", "4", "2").general("W", "W", "2", "2", "2");
-    b.detail("N", "INS", "A", {"3", "1", "0", "0", "7"}).detail("E", "INS", "A", {"1", "1"});
-    b.detail("S", "REP", "B", {"2", "0", "1"}).detail("W", "REP", "B", {"2", "0", "1"});
-    b.property("tqJeopardyThreshold", "45");
-    return b;
-}
 
 /// The requests as "BUID/Info/JobStatus/JobType/JobClass/threshold", one per line.
 std::string describe(const std::vector<DLVParams> &list)
@@ -44,22 +26,9 @@ protected:
     void SetUp() override
     {
         ControlFixture::SetUp();
-        start(drillData(), {"N", "E", "S"});
-        // Choose North and South; the next data message fills the hierarchy with them.
-        select({"_N", "_S"});
-        d().cmdView_Click();
-        send(drillData());
-        viewer->show();
+        startChosen();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(viewer.get()));
         host->details.clear();
-    }
-
-    OutlineGridView *view(int index)
-    {
-        d().Tabs->setCurrentIndex(index == 0 ? 0 : 1);
-        if (index > 0)
-            d().optDisplay[size_t(index - 1)]->click();
-        return d().vsFlex[size_t(index)];
     }
 
     QPoint at(OutlineGridView *v, int row, int col)
@@ -72,7 +41,7 @@ protected:
     /// a double-click event.
     std::string doubleClick(int index, int row, int col, Qt::MouseButton button = Qt::LeftButton)
     {
-        OutlineGridView *v = view(index);
+        OutlineGridView *v = showGrid(index);
         host->details.clear();
         QTest::mouseClick(v->viewport(), button, {}, at(v, row, col));
         QTest::mouseDClick(v->viewport(), button, {}, at(v, row, col));
@@ -111,7 +80,7 @@ TEST_F(DLViewerDrillDown, DoubleClicksAskForTheRecordsBehindAFigure)
 
 TEST_F(DLViewerDrillDown, EnterWithoutShiftActsAsALeftDoubleClick)
 {
-    OutlineGridView *v = view(0);
+    OutlineGridView *v = showGrid(0);
     const int insA = d().grids[0].findRow("INS|A");
     // A right click leaves the right button remembered; Enter stands for the left one.
     QTest::mouseClick(v->viewport(), Qt::LeftButton, {}, at(v, insA, 4));

@@ -6,8 +6,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QPushButton>
-#include <QRadioButton>
-#include <QTabBar>
 #include <array>
 
 namespace {
@@ -30,15 +28,6 @@ protected:
         }
         viewer->SetSessionBUIDList(units);
         send(realisticOrganisation());
-    }
-
-    QStringList selectedKeys()
-    {
-        QStringList keys;
-        for (int i = 0; i < d().lvBU->topLevelItemCount(); ++i)
-            if (d().lvBU->topLevelItem(i)->isSelected())
-                keys << d().buListKey(i);
-        return keys;
     }
 
     QStringList collapsedKeys(int grid)
@@ -75,7 +64,7 @@ TEST_F(DLViewerProfiles, ASavedViewComesBackInANewControl)
     d().grids[1].setCollapsed(d().grids[1].findRow(QStringLiteral("R2")), true);
     d().grids[2].setCollapsed(2, true);
 
-    const QStringList selected = selectedKeys();
+    const QStringList selected = listKeys(true);
     std::array<QStringList, 3> collapsed;
     for (int g = 0; g < 3; ++g)
         collapsed[g] = collapsedKeys(g);
@@ -91,7 +80,7 @@ TEST_F(DLViewerProfiles, ASavedViewComesBackInANewControl)
     viewer->StopControl();
 
     run(store);
-    EXPECT_EQ(selectedKeys(), selected);
+    EXPECT_EQ(listKeys(true), selected);
     EXPECT_TRUE(d().optBU[1]->isChecked());
     EXPECT_TRUE(d().optDisplay[1]->isChecked());
     for (int g = 0; g < 3; ++g)
@@ -102,9 +91,9 @@ TEST_F(DLViewerProfiles, ASavedViewComesBackInANewControl)
     send(realisticOrganisation());
     d().grids[2].setCollapsed(2, false);
     viewer->show();
-    for (const char *view : {"summary", "hierarchy-points", "hierarchy"}) {
-        d().Tabs->setCurrentIndex(view[0] == 's' ? 0 : 1);
-        d().optDisplay[QByteArray(view) == "hierarchy" ? 0 : 1]->click();
+    for (const auto &[index, view] :
+         {std::pair{0, "summary"}, std::pair{2, "hierarchy-points"}, std::pair{1, "hierarchy"}}) {
+        showGrid(index);
         QApplication::processEvents();
         EXPECT_TRUE(viewer->grab().save(
             QStringLiteral(DLV_SCREENSHOT_DIR "/dlviewer-%1-1280x800.png").arg(view)));

@@ -3,7 +3,6 @@
 
 #include "controlfixture.h"
 #include "views/gridexporter.h"
-#include "views/outlinegridview.h"
 
 #include <QAction>
 #include <QDir>
@@ -11,9 +10,7 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QPrinter>
-#include <QRadioButton>
 #include <QRegularExpression>
-#include <QTabBar>
 #include <QTemporaryDir>
 #include <QToolBar>
 
@@ -21,36 +18,7 @@ namespace {
 
 using Kind = RecordingDialogHost::Kind;
 
-DLVDataBuilder toolbarData()
-{
-    DLVDataBuilder b;
-    b.unit("#", "All units", "#").unit("N", "North", "#").unit("S", "South", "#");
-    b.format("EN", "hh:mm").general("N", "N", "10", "8", "4").general("S", "S", "5", "4", "2");
-    b.detail("N", "INS", "A", {"3", "1", "0", "0", "7"}).detail("S", "INS", "A", {"2", "0", "1"});
-    return b;
-}
-
-class DLViewerToolbar : public ControlFixture
-{
-protected:
-    /// A started control with data, both units chosen and the views redrawn with them.
-    void start()
-    {
-        ControlFixture::start(toolbarData(), {"N", "S"});
-        select({"_N", "_S"});
-        d().cmdView_Click();
-        send(toolbarData());
-        viewer->show();
-    }
-
-    void showGrid(int index)
-    {
-        d().Tabs->setCurrentIndex(index == 0 ? 0 : 1);
-        if (index > 0)
-            d().optDisplay[size_t(index - 1)]->click();
-        ASSERT_EQ(d().currentGridIndex(), index);
-    }
-};
+using DLViewerToolbar = ControlFixture;
 
 /// A picture that is no blank: a fifth of its pixels opaque.
 bool hasInk(const QPixmap &pm)
@@ -66,7 +34,7 @@ bool hasInk(const QPixmap &pm)
 
 TEST_F(DLViewerToolbar, ButtonsHaveCaptionsAndPicturesAtEveryPixelRatio)
 {
-    start(); // data arrived: all four buttons are shown
+    startChosen(); // data arrived: all four buttons are shown
     const std::vector<std::pair<QAction *, QString>> buttons = {
         {d().btnSaveGrid, "Save Grid"},
         {d().btnPrintGrid, "Print Grid"},
@@ -121,10 +89,11 @@ TEST_F(DLViewerToolbar, HelpShowsTheAboutBoxInTheControllersLanguage)
 
 TEST_F(DLViewerToolbar, SaveWritesTheGridInViewAndRemembersTheFolder)
 {
-    start();
+    startChosen();
     QTemporaryDir dir;
     for (const int index : {0, 2}) {
         showGrid(index);
+        ASSERT_EQ(d().currentGridIndex(), index);
         const QString path = QDir(dir.path()).filePath(QStringLiteral("grid%1.csv").arg(index));
         dialogs->saveFileAnswers.push_back(path);
         d().btnSaveGrid->trigger();
@@ -163,7 +132,7 @@ TEST_F(DLViewerToolbar, SaveWritesTheGridInViewAndRemembersTheFolder)
 
 TEST_F(DLViewerToolbar, PrintPresetsLandscapeAndTitlesThePrintoutByTab)
 {
-    start();
+    startChosen();
     QTemporaryDir dir;
     for (const auto &[index, title] : {std::pair{0, "BU Summary"}, std::pair{2, "BU Hierarchy"}}) {
         SCOPED_TRACE(index);

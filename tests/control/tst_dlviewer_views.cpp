@@ -3,8 +3,6 @@
 #include "views/outlinegrid.h"
 
 #include <QPushButton>
-#include <QRadioButton>
-#include <QTabBar>
 #include <string>
 #include <vector>
 
@@ -50,14 +48,6 @@ DLVDataBuilder regions(const QString &r1TechCount = QStringLiteral("1"),
 class DLViewerViews : public ControlFixture
 {
 protected:
-    QStringList keys(bool selectedOnly)
-    {
-        QStringList out;
-        for (int i = 0; i < d().lvBU->topLevelItemCount(); ++i)
-            if (!selectedOnly || d().lvBU->topLevelItem(i)->isSelected())
-                out << d().buListKey(i);
-        return out;
-    }
     QString figure(const char *label) { return child<QLabel>(label)->text(); }
     QString hierarchyCell(const QString &id, int col)
     {
@@ -93,8 +83,8 @@ TEST_F(DLViewerViews, ADataMessageRefreshesHierarchyUnitListAndSummaryInThatOrde
     EXPECT_LT(at("unit list"), at("summary"));
 
     // The list offers the session's units in tree order; the new profile selects the first.
-    EXPECT_EQ(keys(false), (QStringList{"_R1", "_C1", "_R2"}));
-    EXPECT_EQ(keys(true), QStringList{"_R1"});
+    EXPECT_EQ(listKeys(false), (QStringList{"_R1", "_C1", "_R2"}));
+    EXPECT_EQ(listKeys(true), QStringList{"_R1"});
     EXPECT_EQ(d().grids[0].text(2, 3), "1");
     EXPECT_EQ(figure("lblWODone"), "5");
     EXPECT_EQ(figure("lblWOsPerHrToday"), "2.5");
@@ -107,7 +97,7 @@ TEST_F(DLViewerViews, ADataMessageRefreshesHierarchyUnitListAndSummaryInThatOrde
     send(regions());
     EXPECT_EQ(hierarchyCell("R1", 1), "3"); // R1 and C1
     EXPECT_TRUE(hierarchyCell("C1", 1).isEmpty());
-    EXPECT_EQ(keys(true), QStringList{"_R1"});
+    EXPECT_EQ(listKeys(true), QStringList{"_R1"});
     EXPECT_TRUE(d().grids[2].isCollapsed(d().grids[2].findRow("R2")));
     EXPECT_FALSE(d().grids[1].isCollapsed(d().grids[1].findRow("R2")));
     EXPECT_TRUE(dialogs->calls.empty());

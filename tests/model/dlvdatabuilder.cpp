@@ -38,14 +38,6 @@ DLVDataBuilder &DLVDataBuilder::detail(const QString &id, const QString &jobType
     return row(QStringLiteral("BUDetailsInfo"), values);
 }
 
-DLVDataBuilder &DLVDataBuilder::detailAt(const QString &id, const QString &jobType,
-                                         const QString &jobClass, int index, const QString &value)
-{
-    QStringList counters(14, QStringLiteral("0"));
-    counters[index] = value;
-    return detail(id, jobType, jobClass, counters);
-}
-
 DLVDataBuilder &DLVDataBuilder::property(const QString &key, const QString &value)
 {
     m_properties[key] = value;

@@ -44,9 +44,6 @@ public:
     /// A detail row; counters are given from index 0 on and the rest are "0".
     DLVDataBuilder &detail(const QString &id, const QString &jobType, const QString &jobClass,
                            const QStringList &counters = {});
-    /// A detail row whose one counter index holds value, the others "0".
-    DLVDataBuilder &detailAt(const QString &id, const QString &jobType, const QString &jobClass,
-                             int index, const QString &value);
     DLVDataBuilder &property(const QString &key, const QString &value);
     DLVDataBuilder &withoutTable(const QString &table);
     DLVDataBuilder &withoutColumn(const QString &table, const QString &column);

@@ -156,6 +156,8 @@ TEST(LoadFailure, IsReportedAndTheNextMessageIsAccepted)
          "cDLVController.LoadBUData 6", true},
         {[](DLVDataBuilder &b) { b.property("tqDBRefreshInterval", "1e300"); },
          "cDLVController.LoadData 6", true},
+        {[](DLVDataBuilder &b) { b.detail("B1", "PM", "A", {"2147483647"}); },
+         "BusinessUnit.CalcTotal 6", true}, // checked addition in the "TOTAL" sums
     };
     for (const auto &r : rows) {
         SCOPED_TRACE(r.expected);
@@ -181,7 +183,7 @@ TEST_F(LoadingTest, FailedRowLeavesTheUnitsBuiltBeforeIt)
              .general("B1")
              .general("B2")
              .detail("B1", "WO", "A", {"1"})
-             .detailAt("B2", "PM", "A", 13, "99999999999")
+             .detail("B2", "PM", "A", QStringList(13, "0") << "99999999999")
              .detail("B1", "WO", "C", {"1"}));
     EXPECT_EQ(reportTexts(), Reports{"cDLVController.LoadBUData 6"});
     // The failing row's job type exists, its class does not; no unit was totalled.
