@@ -21,6 +21,21 @@ done
 
 scripts/deps.sh
 export QT_QPA_PLATFORM=offscreen
+passed=0 failed=0
+# Runs ctest and adds its counts to the totals printed at the end.
+run_ctest() {
+    local log
+    log=$(mktemp)
+    local status=0
+    ctest --test-dir "$1" --output-on-failure -j "$jobs" 2>&1 | tee "$log" || status=$?
+    local total fails
+    total=$(sed -n 's/.*tests failed out of \([0-9]*\).*/\1/p' "$log" | tail -1)
+    fails=$(sed -n 's/.*, \([0-9]*\) tests failed out of.*/\1/p' "$log" | tail -1)
+    rm -f "$log"
+    passed=$((passed + ${total:-0} - ${fails:-0}))
+    failed=$((failed + ${fails:-0}))
+    return "$status"
+}
 jobs=$(nproc)
 # Unity builds merge each target's sources into a few translation units: a cold build takes
 # minutes instead of many, which keeps CI well inside its time.
@@ -30,7 +45,7 @@ if ((normal)); then
     echo "== normal build and tests (build/release)"
     cmake -S . -B build/release "${common_args[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo > /dev/null
     cmake --build build/release -j "$jobs"
-    ctest --test-dir build/release --output-on-failure -j "$jobs"
+    run_ctest build/release
 fi
 
 if ((sanitize)); then
@@ -41,10 +56,12 @@ if ((sanitize)); then
     cmake -S . -B build/asan "${common_args[@]}" -DCMAKE_BUILD_TYPE=Debug -DDLV_SANITIZE=ON \
         -DDLV_BUILD_BENCH=OFF > /dev/null
     cmake --build build/asan -j "$jobs"
-    ctest --test-dir build/asan --output-on-failure -j "$jobs"
+    run_ctest build/asan
 fi
 
 if ((fuzz)) && [ -x scripts/fuzz.sh ]; then
     echo "== fuzz targets, briefly, on their seed corpora (build/fuzz)"
     scripts/fuzz.sh --seconds 20
 fi
+
+echo "tests: $passed passed, $failed failed"
