@@ -3,6 +3,7 @@
 #include "common/conversions.h"
 #include "common/dlverror.h"
 #include "control/dlviewer_p.h"
+#include "control/livecues.h"
 #include "control/profilehostadapter.h"
 #include "model/cdlvcontroller.h"
 #include "profiles/profiledialoghost.h"
@@ -101,8 +102,13 @@ DLViewerPrivate::DLViewerPrivate(DLViewer *qq)
     m_errorReport = std::make_unique<ErrorReport>(m_dialogs.get());
     m_errorReport->setOwner(fraDLV);
 
+    createLiveCues();
+
     QObject::connect(mDLV.get(), &cDLVController::ShowStatus, q,
-                     [this](const QString &key, bool error) { ShowStatus(key, error); });
+                     [this](const QString &key, bool error) {
+                         ShowStatus(key, error);
+                         liveCues->statusShown(key);
+                     });
     QObject::connect(mDLV.get(), &cDLVController::HideStatus, q, [this] { HideStatus(); });
     QObject::connect(mDLV.get(), &cDLVController::FillBUHierarchyGrid, q,
                      [this](BusinessUnits &bus) { mDLV_FillBUHierarchyGrid(bus); });
@@ -170,8 +176,9 @@ void DLViewerPrivate::createWidgets()
     lblLastRefreshTime = namedLabel(fraDLV, "lblLastRefreshTime");
     lblNextTime = namedLabel(fraDLV, "lblNextTime");
     lblNextRefreshTime = namedLabel(fraDLV, "lblNextRefreshTime");
+    lblFreshness = namedLabel(fraDLV, "lblFreshness");
     for (QLabel *l : {lblProfile, lblCurrentProfile, lblLastTime, lblLastRefreshTime, lblNextTime,
-                      lblNextRefreshTime})
+                      lblNextRefreshTime, lblFreshness})
         l->setVisible(false);
 
     fraSelection = new QGroupBox(fraDLV);
@@ -309,6 +316,8 @@ void DLViewerPrivate::setCaption(QStringView controlName, const QString &text)
     if (auto *label = qobject_cast<QLabel *>(m_byName.value(controlName.toString()))) {
         label->setText(text);
         relayoutTopRow();
+        if (label == lblNextRefreshTime && mDLV && liveCues)
+            liveCues->refreshTimesWritten(mDLV->LastRefresh(), mDLV->NextRefresh());
     }
 }
 
@@ -610,7 +619,7 @@ void DLViewerPrivate::layoutTopRow(int width, int &top)
 {
     int infoWidth = 0;
     for (QLabel *l : {lblProfile, lblCurrentProfile, lblLastTime, lblLastRefreshTime, lblNextTime,
-                      lblNextRefreshTime})
+                      lblNextRefreshTime, lblFreshness})
         if (!l->isHidden())
             infoWidth += l->sizeHint().width() + 10;
     // Text beside the icons while the row has room for it and the profile and refresh times;
@@ -631,6 +640,8 @@ void DLViewerPrivate::layoutTopRow(int width, int &top)
                            label->sizeHint().height());
         x -= gap;
     };
+    if (!lblFreshness->isHidden())
+        place(lblFreshness, 12);
     place(lblNextRefreshTime, 4);
     place(lblNextTime, 16);
     place(lblLastRefreshTime, 4);

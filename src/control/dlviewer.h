@@ -1,11 +1,12 @@
 #pragma once
 
+#include "common/paneltrendpoint.h"
 #include "control/dlvparams.h"
 
+#include <QList>
 #include <QStringList>
 #include <QVariant>
 #include <QWidget>
-
 #include <memory>
 
 class QPrinter;
@@ -67,6 +68,27 @@ public:
     /// grid's title as document name. Returns false when no grid is in view or printing failed.
     bool PrintGrid(QPrinter &printer);
 
+    // --- Options over the figures, all off at creation so that the control shows exactly what
+    //     it always showed until the host switches one on. Each may be switched at any time.
+    /// Freshness: a line beside the refresh times with the age of the data and the time left to
+    /// the announced refresh; the refresh times turn amber once that refresh is late by more than
+    /// one refresh interval; after "DLVServerStopped" the figures turn grey (still readable).
+    void SetFreshnessShown(bool on);
+    [[nodiscard]] bool FreshnessShown() const;
+    /// Change cues: figures of the grids and the panel that rose (marked with an up triangle) or
+    /// fell (a down triangle) at the last refresh are highlighted for a few seconds, fading out.
+    /// Changes that come from choosing other units are not cued.
+    void SetChangeCuesShown(bool on);
+    [[nodiscard]] bool ChangeCuesShown() const;
+    /// Trouble colours: jeopardy and late counts above zero, and units (and the panel's rates)
+    /// whose rate so far is below the rate required for the open work.
+    void SetExceptionsShown(bool on);
+    [[nodiscard]] bool ExceptionsShown() const;
+    /// The panel's figures after each refresh of the current day, oldest first (kept always,
+    /// bounded, cleared when a refresh of a new day arrives). PanelTrendChanged() tells of a new
+    /// point.
+    [[nodiscard]] QList<PanelTrendPoint> PanelTrend() const;
+
 Q_SIGNALS:
     void PostRequest(QString &Params);
     void GetDetails(DLVParams &Params);
@@ -76,6 +98,8 @@ Q_SIGNALS:
     void AddProfiles(DLVParams &Params);
     void RemoveProfiles(DLVParams &Params);
     void SaveProfileAs(DLVParams &Params);
+    /// A refresh added a point to PanelTrend().
+    void PanelTrendChanged();
 
 protected:
     void resizeEvent(QResizeEvent *event) override;

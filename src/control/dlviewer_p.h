@@ -34,6 +34,7 @@ class ProfileExchange;
 class ProfileHostAdapter;
 class ProfileMenu;
 class cDLVController;
+class LiveCues;
 class BusinessUnits;
 
 /// The control's private side: its child widgets, the members it keeps, and the surface the data
@@ -126,6 +127,14 @@ public:
     /// The document name of a printed grid: the caption of its tab.
     [[nodiscard]] QString gridTitle(int index) const;
     bool printOn(int index, QPrinter &target, const QString &title);
+
+    // --- live options over the figures: freshness, change cues, trouble colours, trend
+    //     (livecues.cpp). Off at start.
+    void createLiveCues();
+    /// What the grids sum, for telling a refresh from a change of the chosen units.
+    [[nodiscard]] QString selectionContext() const;
+    std::unique_ptr<LiveCues> liveCues;
+    QLabel *lblFreshness = nullptr;
     /// The mouse button of the last mouse-button event on a grid (1 left, 2 right, 4 middle).
     qint16 lastMouseButton = 0;
     /// Folder of the last saved file, where the next save dialog starts (empty at start).

@@ -5,6 +5,7 @@
 
 #include "common/conversions.h"
 #include "control/dlviewer_p.h"
+#include "control/livecues.h"
 #include "model/cdlvcontroller.h"
 #include "model/errortrap.h"
 #include "views/buselection.h"
@@ -110,6 +111,8 @@ void DLViewerPrivate::writePanel(const PanelValues &panel)
         lblWOsPerHrReq, lblPtsPerHrToday, lblPtsPerHrReq};
     for (int i = 0; i < PanelValues::FigureCount; ++i)
         labels[i]->setText(panel.text(i));
+    if (liveCues)
+        liveCues->panelWritten(panel);
 }
 
 void DLViewerPrivate::mDLV_FillSingleBUGrid(BusinessUnits &bus)
@@ -119,6 +122,8 @@ void DLViewerPrivate::mDLV_FillSingleBUGrid(BusinessUnits &bus)
     ShowBUs(bus);
     ProfileSettingsLoaded = true;
     summaryGridFilled = true;
+    if (liveCues)
+        liveCues->fillsEnded(selectionContext());
 }
 
 void DLViewerPrivate::ShowBUs(BusinessUnits &bus)
@@ -167,6 +172,8 @@ void DLViewerPrivate::mDLV_FillBUHierarchyGrid(BusinessUnits &bus)
 {
     if (!mDLV)
         return;
+    if (liveCues)
+        liveCues->refreshStarted();
     const bool done = ErrorTrap::run(this, kFillHierarchy, [&] {
         mDLV->HierarchyGridBusy = true;
         for (std::size_t i = 1; i <= 2; ++i) {

@@ -253,6 +253,8 @@ void cDLVController::UpdateRefreshTimes(const QZWebMessage &message)
     m_surface->setCaption(u"lblLastRefreshTime", Conv::formatTime(now.time(), format));
     const double minutes = Conv::leadingNumber(message.property(u"tqDBRefreshInterval"));
     const QDateTime next = addMinutes(now, minutes);
+    m_lastRefresh = now;
+    m_nextRefresh = next;
     m_surface->setCaption(u"lblNextRefreshTime", Conv::formatTime(next.time(), format));
     m_surface->setVisible(u"lblLastTime", true);
     m_surface->setVisible(u"lblLastRefreshTime", true);

@@ -80,6 +80,11 @@ public:
     /// order, then each child's descendants in turn. A cycle is cut where it closes.
     [[nodiscard]] QString GetChildBUIDList(const QString &buID);
 
+    /// When the last data message was loaded and the refresh it announced ("tqDBRefreshInterval"
+    /// later); both invalid before the first load.
+    [[nodiscard]] const QDateTime &LastRefresh() const { return m_lastRefresh; }
+    [[nodiscard]] const QDateTime &NextRefresh() const { return m_nextRefresh; }
+
     /// Replaces the clock used for the refresh times (tests); the default is the current time.
     void setClock(Clock clock) { m_clock = std::move(clock); }
 
@@ -117,6 +122,8 @@ private:
     StringSet m_jobClassDescriptions{KeyCompare::Exact};
     std::unique_ptr<StringSet> m_timeFormats;
     Clock m_clock;
+    QDateTime m_lastRefresh;
+    QDateTime m_nextRefresh;
 
     // Rebuilt on first use after the parent map changed: once per load.
     mutable BUHierarchy m_hierarchy;

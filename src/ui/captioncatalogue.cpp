@@ -156,6 +156,10 @@ const QStringList &CaptionCatalogue::knownKeys()
         QStringLiteral("RequiredProductivity"), QStringLiteral("WOsPerHour"),
         QStringLiteral("PtsPerHour"), QStringLiteral("DisplayBy"), QStringLiteral("WorkOrders"),
         QStringLiteral("Points"),
+        // data freshness line
+        QStringLiteral("FreshnessAge"), QStringLiteral("FreshnessNext"),
+        QStringLiteral("FreshnessDue"), QStringLiteral("FreshnessOverdue"),
+        QStringLiteral("FreshnessStopped"),
         // grid headers
         QStringLiteral("JobTypesAndJobClasses"), QStringLiteral("Open"), QStringLiteral("Warning"),
         QStringLiteral("Jeopardy"), QStringLiteral("Late"), QStringLiteral("Completed"),

@@ -1,5 +1,7 @@
 #include "views/outlinegridmodel.h"
 
+#include "views/celldecorator.h"
+
 #include <QColor>
 #include <QSize>
 #include <algorithm>
@@ -118,6 +120,11 @@ bool OutlineGridModel::hasChildren(const QModelIndex &parent) const
     return rowCount(parent) > 0;
 }
 
+void OutlineGridModel::setDecorator(const CellDecorator *decorator)
+{
+    m_decorator = decorator; // the views repaint on their next update
+}
+
 QVariant OutlineGridModel::data(const QModelIndex &index, int role) const
 {
     const int row = gridRow(index);
@@ -133,12 +140,29 @@ QVariant OutlineGridModel::data(const QModelIndex &index, int role) const
             return m_grid->text(row, m_grid->outlineTextCol());
         if (role == Qt::ToolTipRole)
             return {};
+        if (m_decorator) {
+            const QString marker = m_decorator->decoration(row, col).marker;
+            if (!marker.isEmpty())
+                return marker + u' ' + text;
+        }
         return text;
     }
     case Qt::BackgroundRole: {
+        if (m_decorator) {
+            const QColor own = m_decorator->decoration(row, col).back;
+            if (own.isValid())
+                return own;
+        }
         const QColor c = m_grid->backColor(row, col);
         return c.isValid() ? QVariant(c) : QVariant();
     }
+    case Qt::ForegroundRole:
+        if (m_decorator) {
+            const QColor own = m_decorator->decoration(row, col).text;
+            if (own.isValid())
+                return own;
+        }
+        return {};
     case Qt::FontRole:
         return m_grid->isBold(row, col) ? QVariant(m_boldFont) : QVariant();
     case Qt::TextAlignmentRole:

@@ -2,6 +2,8 @@
 
 #include "views/outlinegrid.h"
 
+class CellDecorator;
+
 #include <QAbstractItemModel>
 #include <QFont>
 
@@ -45,6 +47,11 @@ public:
     /// The grid row of an index, -1 for an invalid one.
     [[nodiscard]] static int gridRow(const QModelIndex &index);
 
+    /// Colours and markers drawn over the cells (trouble, change cues); nullptr: none. The
+    /// decorator must outlive its use here. The grid's data are not touched.
+    void setDecorator(const CellDecorator *decorator);
+    [[nodiscard]] const CellDecorator *decorator() const noexcept { return m_decorator; }
+
     /// Pixel conversion for the size hints (1440 / logical DPI; 15 at 96 DPI).
     void setTwipsPerPixel(double x, double y);
 
@@ -86,6 +93,7 @@ private:
     void endReset();
 
     OutlineGrid *m_grid = nullptr;
+    const CellDecorator *m_decorator = nullptr;
     QFont m_boldFont;
     double m_twipsPerPixelX = 15.0;
     double m_twipsPerPixelY = 15.0;

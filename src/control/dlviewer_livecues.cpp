@@ -1,0 +1,70 @@
+// The control's live options over its figures: wiring of LiveCues and the host's switches.
+
+#include "control/dlviewer.h"
+#include "control/dlviewer_p.h"
+#include "control/livecues.h"
+
+#include <QLabel>
+
+void DLViewerPrivate::createLiveCues()
+{
+    LiveCues::Widgets w;
+    for (int i = 0; i < 3; ++i) {
+        w.views[i] = vsFlex[i];
+        w.grids[i] = &grids[i];
+    }
+    w.figures = {lblTechCount,   lblHrsWorked,     lblHrsRemaining, lblWODone,
+                 lblWOOpen,      lblPtsDone,       lblPtsOpen,      lblWOsPerHrToday,
+                 lblWOsPerHrReq, lblPtsPerHrToday, lblPtsPerHrReq};
+    w.refreshTimes = {lblLastRefreshTime, lblNextRefreshTime};
+    w.freshness = lblFreshness;
+    w.relayoutTopRow = [this] { relayoutTopRow(); };
+    liveCues = std::make_unique<LiveCues>(w, [this](const QString &key) { return caption(key); });
+    QObject::connect(liveCues.get(), &LiveCues::trendChanged, q, &DLViewer::PanelTrendChanged);
+}
+
+QString DLViewerPrivate::selectionContext() const
+{
+    QString context = lastFillSingleMode ? QStringLiteral("single:") : QStringLiteral("aggregate:");
+    for (const QString &id : currentSelection.keys())
+        context += id + u'|';
+    context += u'/';
+    for (const QString &id : currentBUSet.keys())
+        context += id + u'|';
+    return context;
+}
+
+void DLViewer::SetFreshnessShown(bool on)
+{
+    d->liveCues->setFreshnessShown(on);
+}
+
+bool DLViewer::FreshnessShown() const
+{
+    return d->liveCues->freshnessShown();
+}
+
+void DLViewer::SetChangeCuesShown(bool on)
+{
+    d->liveCues->setChangeCuesShown(on);
+}
+
+bool DLViewer::ChangeCuesShown() const
+{
+    return d->liveCues->changeCuesShown();
+}
+
+void DLViewer::SetExceptionsShown(bool on)
+{
+    d->liveCues->setExceptionsShown(on);
+}
+
+bool DLViewer::ExceptionsShown() const
+{
+    return d->liveCues->exceptionsShown();
+}
+
+QList<PanelTrendPoint> DLViewer::PanelTrend() const
+{
+    return d->liveCues->trend().points();
+}
