@@ -5,6 +5,7 @@
 #include "control/livecues.h"
 
 #include <QLabel>
+#include <algorithm>
 
 void DLViewerPrivate::createLiveCues()
 {
@@ -19,17 +20,20 @@ void DLViewerPrivate::createLiveCues()
     w.refreshTimes = {lblLastRefreshTime, lblNextRefreshTime};
     w.freshness = lblFreshness;
     w.relayoutTopRow = [this] { relayoutTopRow(); };
+    w.selectionContext = [this] { return selectionContext(); };
     liveCues = std::make_unique<LiveCues>(w, [this](const QString &key) { return caption(key); });
     QObject::connect(liveCues.get(), &LiveCues::trendChanged, q, &DLViewer::PanelTrendChanged);
 }
 
 QString DLViewerPrivate::selectionContext() const
 {
+    // The chosen units (in any order: the list follows the tree) and the mode, not the units
+    // they sum up to: a unit that moves in the tree changes an aggregate's figures as truly as
+    // new data do.
+    std::vector<QString> ids = currentSelection.keys();
+    std::sort(ids.begin(), ids.end());
     QString context = lastFillSingleMode ? QStringLiteral("single:") : QStringLiteral("aggregate:");
-    for (const QString &id : currentSelection.keys())
-        context += id + u'|';
-    context += u'/';
-    for (const QString &id : currentBUSet.keys())
+    for (const QString &id : ids)
         context += id + u'|';
     return context;
 }

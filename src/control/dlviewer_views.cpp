@@ -123,7 +123,7 @@ void DLViewerPrivate::mDLV_FillSingleBUGrid(BusinessUnits &bus)
     ProfileSettingsLoaded = true;
     summaryGridFilled = true;
     if (liveCues)
-        liveCues->fillsEnded(selectionContext());
+        liveCues->fillsEnded();
 }
 
 void DLViewerPrivate::ShowBUs(BusinessUnits &bus)

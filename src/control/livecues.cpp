@@ -134,18 +134,18 @@ void LiveCues::panelWritten(const PanelValues &panel)
 void LiveCues::capture(bool afterRefresh)
 {
     const qint64 ms = nowMs();
+    const QString context = m_w.selectionContext ? m_w.selectionContext() : QString();
     for (int i = 0; i < 3; ++i)
-        m_gridCues[i].capture(*m_w.grids[i], m_context, afterRefresh, ms);
+        m_gridCues[i].capture(*m_w.grids[i], context, afterRefresh, ms);
     QList<std::pair<QString, QString>> values;
     values.reserve(PanelValues::FigureCount);
     for (int i = 0; i < PanelValues::FigureCount; ++i)
         values.append({panelKey(i), m_panel.text(i)});
-    m_panelCues.captureValues(values, m_context, afterRefresh, ms);
+    m_panelCues.captureValues(values, context, afterRefresh, ms);
 }
 
-void LiveCues::fillsEnded(const QString &context)
+void LiveCues::fillsEnded()
 {
-    m_context = context;
     m_filled = true;
     if (m_cuesOn) {
         capture(m_inRefresh);
@@ -232,9 +232,8 @@ void LiveCues::paintFreshness()
 {
     QLabel *line = m_w.freshness;
     const QString text = m_freshnessOn ? m_freshness.text(now(), m_caption) : QString();
-    const FreshnessClock::State state = m_freshness.state(now());
-    const bool overdue = m_freshnessOn && state == FreshnessClock::State::Overdue;
-    const bool stopped = m_freshnessOn && state == FreshnessClock::State::Stopped;
+    const bool overdue = m_freshnessOn && m_freshness.isOverdue(now());
+    const bool stopped = m_freshnessOn && m_freshness.serverStopped();
     for (QLabel *label : m_w.refreshTimes)
         if (label)
             paintLabel(label, overdue ? CuePalette::overdue().text : QColor(),

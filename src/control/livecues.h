@@ -36,6 +36,8 @@ public:
         std::array<QLabel *, 2> refreshTimes{}; ///< last and next refresh time
         QLabel *freshness = nullptr;
         std::function<void()> relayoutTopRow; ///< the freshness line changed its width
+        /// What the grids sum (the chosen units and mode), to tell a refresh from a new choice.
+        std::function<QString()> selectionContext;
     };
     using Clock = std::function<QDateTime()>;
     using CaptionLookup = FreshnessClock::CaptionLookup;
@@ -57,9 +59,8 @@ public:
     void refreshStarted() { m_inRefresh = true; }
     /// The panel figures were written.
     void panelWritten(const PanelValues &panel);
-    /// The summary fill ended (after a refresh or after the user chose other units); context
-    /// names what the grids sum (the chosen units and mode).
-    void fillsEnded(const QString &context);
+    /// The summary fill ended (after a refresh or after the user chose other units).
+    void fillsEnded();
     /// The refresh times of a loaded message were written.
     void refreshTimesWritten(const QDateTime &last, const QDateTime &next);
     /// The status line showed a message key ("msg-DLVServerDown" means the server stopped).
@@ -101,7 +102,6 @@ private:
     std::array<std::unique_ptr<GridCellStyler>, 3> m_stylers;
     TrendLog m_trend;
     PanelValues m_panel;
-    QString m_context; ///< what the last fill summed
     bool m_filled = false;
     bool m_freshnessOn = false;
     bool m_cuesOn = false;

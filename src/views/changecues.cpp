@@ -2,19 +2,54 @@
 
 #include "views/outlinegrid.h"
 
+#include <limits>
+
 namespace {
 
-// The value a cell shows: empty reads as 0 (zero sums are written as nothing); text that is not
-// a plain number has none.
-bool cueValue(const QString &text, double &value)
+constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();
+
+// Numbers the general parser reads when the quick reading below cannot.
+double slowCueValue(const QString &text)
 {
-    if (text.isEmpty()) {
-        value = 0;
-        return true;
-    }
     bool ok = false;
-    value = text.toDouble(&ok);
-    return ok;
+    const double value = text.toDouble(&ok);
+    return ok ? value : kNoValue;
+}
+
+// The value a cell shows: empty reads as 0 (zero sums are written as nothing); text that is not
+// a number has none. Whole and plain decimal numbers, nearly every cell, and text that starts
+// with a letter (descriptions) are decided without the general parser.
+double cueValue(const QString &text)
+{
+    const qsizetype n = text.size();
+    if (n == 0)
+        return 0;
+    const QChar *p = text.constData();
+    const auto digit = [p](qsizetype i) {
+        return p[i].unicode() >= u'0' && p[i].unicode() <= u'9';
+    };
+    const bool negative = p[0] == u'-';
+    qsizetype i = negative ? 1 : 0;
+    if (i < n && !digit(i) && p[i] != u'.')
+        return digit(0) || p[0] == u'.' || p[0] == u'+' || negative ? slowCueValue(text) : kNoValue;
+    constexpr int kExactDigits = 15;
+    qint64 whole = 0;
+    int digits = 0;
+    for (; i < n && digit(i); ++i, ++digits)
+        whole = whole * 10 + (p[i].unicode() - u'0');
+    double value = double(whole);
+    if (i < n && p[i] == u'.') {
+        qint64 fraction = 0;
+        double scale = 1;
+        for (++i; i < n && digit(i); ++i, ++digits) {
+            fraction = fraction * 10 + (p[i].unicode() - u'0');
+            scale *= 10;
+        }
+        value += double(fraction) / scale;
+    }
+    if (i != n || digits == 0 || digits > kExactDigits)
+        return slowCueValue(text); // exponents, separators, long numbers, or no number at all
+    return negative ? -value : value;
 }
 
 } // namespace
@@ -27,48 +62,47 @@ QString ChangeCues::rowKey(const OutlineGrid &grid, int row)
     return QStringLiteral("\x01") + QString::number(row); // the summary's grand total
 }
 
-void ChangeCues::begin(const QString &context, bool afterRefresh, qint64 nowMs)
+void ChangeCues::begin(const QString &context, bool afterRefresh, qint64 nowMs, qsizetype rows)
 {
-    m_cueing = afterRefresh && context == m_context && !m_previous.isEmpty();
+    m_cueing = afterRefresh && context == m_context && !m_last.rows.isEmpty();
     m_context = context;
-    m_current.clear();
-    m_current.reserve(m_previous.size());
-    m_cues.clear();
+    m_next.clear();
+    m_next.rows.reserve(rows);
     m_cued = 0;
     m_startMs = nowMs;
 }
 
-void ChangeCues::addRow(const QString &key, Cells &&cells)
+qsizetype ChangeCues::addRow(const QString &key)
 {
-    if (m_cueing) {
-        const auto it = m_previous.constFind(key);
-        if (it != m_previous.constEnd()) {
-            const Cells &old = *it;
-            QList<qint8> directions;
-            const qsizetype n = std::min(old.size(), cells.size());
-            for (qsizetype c = 0; c < n; ++c) {
-                if (old[c] == cells[c])
-                    continue;
-                double before = 0;
-                double after = 0;
-                if (!cueValue(old[c], before) || !cueValue(cells[c], after) || before == after)
-                    continue;
-                if (directions.isEmpty())
-                    directions.resize(cells.size(), qint8(0));
-                directions[c] = qint8(after > before ? Direction::Up : Direction::Down);
-                ++m_cued;
-            }
-            if (!directions.isEmpty())
-                m_cues.insert(key, directions);
-        }
+    const qsizetype offset = qsizetype(m_next.values.size());
+    m_next.rows.insert(key, offset);
+    return offset;
+}
+
+void ChangeCues::compareRow(const QString &key, qsizetype offset, qsizetype cells)
+{
+    if (!m_cueing)
+        return;
+    const auto it = m_last.rows.constFind(key);
+    if (it == m_last.rows.constEnd())
+        return; // a new row: nothing to compare with
+    const qsizetype old = *it;
+    // Rows of a grid have one width; the bound only guards a grid whose columns changed.
+    const qsizetype oldEnd = std::min<qsizetype>(qsizetype(m_last.values.size()), old + cells);
+    for (qsizetype c = 0; old + c < oldEnd; ++c) {
+        const double before = m_last.values[size_t(old + c)];
+        const double after = m_next.values[size_t(offset + c)];
+        if (before == after || before != before || after != after)
+            continue; // unchanged, or no number on one side
+        m_next.cues[size_t(offset + c)] = qint8(after > before ? Direction::Up : Direction::Down);
+        ++m_cued;
     }
-    m_current.insert(key, std::move(cells));
 }
 
 int ChangeCues::end()
 {
-    m_previous.swap(m_current);
-    m_current.clear();
+    std::swap(m_last, m_next);
+    m_next.clear();
     if (m_cued == 0)
         m_startMs = 0;
     return m_cued;
@@ -77,14 +111,18 @@ int ChangeCues::end()
 int ChangeCues::capture(const OutlineGrid &grid, const QString &context, bool afterRefresh,
                         qint64 nowMs)
 {
-    begin(context, afterRefresh, nowMs);
+    const int first = grid.fixedRows();
     const int cols = grid.colCount();
-    for (int row = grid.fixedRows(); row < grid.rowCount(); ++row) {
-        Cells cells;
-        cells.reserve(cols);
+    begin(context, afterRefresh, nowMs, std::max(0, grid.rowCount() - first));
+    const size_t total = size_t(std::max(0, grid.rowCount() - first)) * size_t(cols);
+    m_next.values.reserve(total);
+    m_next.cues.assign(total, qint8(0));
+    for (int row = first; row < grid.rowCount(); ++row) {
+        const QString key = rowKey(grid, row);
+        const qsizetype offset = addRow(key);
         for (int col = 0; col < cols; ++col)
-            cells.append(grid.text(row, col));
-        addRow(rowKey(grid, row), std::move(cells));
+            m_next.values.push_back(cueValue(grid.text(row, col)));
+        compareRow(key, offset, cols);
     }
     return end();
 }
@@ -92,31 +130,43 @@ int ChangeCues::capture(const OutlineGrid &grid, const QString &context, bool af
 int ChangeCues::captureValues(const QList<std::pair<QString, QString>> &values,
                               const QString &context, bool afterRefresh, qint64 nowMs)
 {
-    begin(context, afterRefresh, nowMs);
-    for (const auto &[key, text] : values)
-        addRow(key, Cells{text});
+    begin(context, afterRefresh, nowMs, values.size());
+    m_next.values.reserve(size_t(values.size()));
+    m_next.cues.assign(size_t(values.size()), qint8(0));
+    for (const auto &[key, text] : values) {
+        const qsizetype offset = addRow(key);
+        m_next.values.push_back(cueValue(text));
+        compareRow(key, offset, 1);
+    }
     return end();
 }
 
 ChangeCues::Direction ChangeCues::direction(const OutlineGrid &grid, int row, int col) const
 {
-    if (m_cues.isEmpty() || row < grid.fixedRows() || row >= grid.rowCount())
+    if (m_cued == 0 || row < grid.fixedRows() || row >= grid.rowCount() || col < 0)
         return Direction::None;
-    const auto it = m_cues.constFind(rowKey(grid, row));
-    if (it == m_cues.constEnd() || col < 0 || col >= it->size())
+    const auto it = m_last.rows.constFind(rowKey(grid, row));
+    if (it == m_last.rows.constEnd())
         return Direction::None;
-    return Direction(it->at(col));
+    const size_t at = size_t(*it + col);
+    if (col >= grid.colCount() || at >= m_last.cues.size())
+        return Direction::None;
+    return Direction(m_last.cues[at]);
 }
 
 ChangeCues::Direction ChangeCues::direction(const QString &key) const
 {
-    const auto it = m_cues.constFind(key);
-    return it == m_cues.constEnd() || it->isEmpty() ? Direction::None : Direction(it->at(0));
+    if (m_cued == 0)
+        return Direction::None;
+    const auto it = m_last.rows.constFind(key);
+    if (it == m_last.rows.constEnd() || size_t(*it) >= m_last.cues.size())
+        return Direction::None;
+    return Direction(m_last.cues[size_t(*it)]);
 }
 
 double ChangeCues::strength(qint64 nowMs) const
 {
-    if (m_cues.isEmpty() || m_durationMs <= 0)
+    if (m_cued == 0 || m_durationMs <= 0)
         return 0;
     const qint64 elapsed = nowMs - m_startMs;
     if (elapsed < 0 || elapsed >= m_durationMs)
@@ -126,9 +176,8 @@ double ChangeCues::strength(qint64 nowMs) const
 
 void ChangeCues::clear()
 {
-    m_previous.clear();
-    m_current.clear();
-    m_cues.clear();
+    m_last.clear();
+    m_next.clear();
     m_context.clear();
     m_cued = 0;
     m_startMs = 0;

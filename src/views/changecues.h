@@ -4,6 +4,7 @@
 #include <QList>
 #include <QString>
 #include <QtGlobal>
+#include <vector>
 
 class OutlineGrid;
 
@@ -43,6 +44,8 @@ public:
     [[nodiscard]] double strength(qint64 nowMs) const;
     [[nodiscard]] bool active(qint64 nowMs) const { return strength(nowMs) > 0; }
     [[nodiscard]] qint64 duration() const { return m_durationMs; }
+    /// The number of cells the last capture cued.
+    [[nodiscard]] int cued() const { return m_cued; }
     void setDuration(qint64 ms) { m_durationMs = ms; }
     /// Forgets the baseline and the cues.
     void clear();
@@ -51,15 +54,29 @@ public:
     [[nodiscard]] static QString marker(Direction d);
 
 private:
-    using Cells = QList<QString>;
+    /// One capture: each row's key, where its cells start in `values`, and their numeric values
+    /// (NaN for text that is no number); `cues` runs parallel to `values`.
+    struct Snapshot
+    {
+        QHash<QString, qsizetype> rows;
+        std::vector<double> values;
+        std::vector<qint8> cues;
+        void clear()
+        {
+            rows.clear();
+            values.clear();
+            cues.clear();
+        }
+    };
     [[nodiscard]] static QString rowKey(const OutlineGrid &grid, int row);
-    void begin(const QString &context, bool afterRefresh, qint64 nowMs);
-    void addRow(const QString &key, Cells &&cells);
+    void begin(const QString &context, bool afterRefresh, qint64 nowMs, qsizetype rows);
+    /// Adds a row whose cells the caller then appends to m_next.values; returns their offset.
+    qsizetype addRow(const QString &key);
+    void compareRow(const QString &key, qsizetype offset, qsizetype cells);
     int end();
 
-    QHash<QString, Cells> m_previous;
-    QHash<QString, Cells> m_current;
-    QHash<QString, QList<qint8>> m_cues;
+    Snapshot m_last; ///< the latest capture, with its cues
+    Snapshot m_next; ///< being built
     QString m_context;
     bool m_cueing = false;
     int m_cued = 0;

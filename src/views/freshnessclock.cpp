@@ -32,10 +32,13 @@ FreshnessClock::State FreshnessClock::state(const QDateTime &now) const
         return State::NoData;
     if (m_stopped)
         return State::Stopped;
+    return isOverdue(now) ? State::Overdue : State::Fresh;
+}
+
+bool FreshnessClock::isOverdue(const QDateTime &now) const
+{
     const qint64 interval = intervalSeconds();
-    if (interval > 0 && -secondsToNext(now) > interval)
-        return State::Overdue;
-    return State::Fresh;
+    return hasData() && interval > 0 && -secondsToNext(now) > interval;
 }
 
 QString FreshnessClock::duration(qint64 seconds)

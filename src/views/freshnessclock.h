@@ -25,6 +25,9 @@ public:
     [[nodiscard]] bool hasData() const { return m_last.isValid(); }
 
     [[nodiscard]] State state(const QDateTime &now) const;
+    /// The announced refresh is late by more than one interval (whether or not the server said
+    /// it stopped).
+    [[nodiscard]] bool isOverdue(const QDateTime &now) const;
     /// Seconds since the last refresh (0 without data or for a clock that went back).
     [[nodiscard]] qint64 ageSeconds(const QDateTime &now) const;
     /// Seconds until the announced refresh; negative once it is due. 0 without an interval.

@@ -138,10 +138,13 @@ TEST_F(DLViewerLiveCues, FreshnessCountsDownTurnsAmberWhenLateAndGreysAStoppedSe
 
     send(DLVDataBuilder().named(QStringLiteral("DLVServerStopped")));
     EXPECT_EQ(textColour("lblTechCount"), CuePalette::stopped().text);
+    EXPECT_EQ(backColour("lblNextRefreshTime"), CuePalette::overdue().back); // still late
     EXPECT_EQ(cell(1, "N", 1, Qt::ForegroundRole).value<QColor>(), CuePalette::stopped().text);
     EXPECT_EQ(child<QLabel>("lblTechCount")->text(), QStringLiteral("15")); // figures stay
     EXPECT_TRUE(
         d().lblFreshness->text().endsWith(QStringLiteral("server stopped, figures not updated")));
+    // A picture of the stopped server's grey figures under the amber refresh times.
+    EXPECT_TRUE(viewer->grab().save(QStringLiteral(DLV_SCREENSHOT_DIR "/dlviewer-stopped.png")));
 
     send(refreshData("7")); // the server is back
     EXPECT_NE(textColour("lblTechCount"), CuePalette::stopped().text);

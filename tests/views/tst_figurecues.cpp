@@ -176,6 +176,23 @@ TEST(ChangeCues, CellsKeyedByRowDataRiseFallAndOnlyAfterARefreshOfTheSameUnits)
     EXPECT_EQ(panel.captureValues({{"tech", "10"}, {"rate", "1.25"}}, "x", true, 10), 1);
     EXPECT_EQ(panel.direction(QStringLiteral("rate")), Dir::Down);
     EXPECT_EQ(panel.direction(QStringLiteral("tech")), Dir::None);
+    // Values read the way the cells are written: exponents, signs, decimals, text.
+    ChangeCues values;
+    const QList<std::tuple<QString, QString, Dir>> reads{
+        {"1e3", "999", Dir::Down},  {"-2", "-1", Dir::Up},
+        {"0.5", "0.50", Dir::None}, {"x", "1", Dir::None},
+        {"1,5", "2", Dir::None},    {"12345678901234567", "1", Dir::Down},
+        {"", "-0.25", Dir::Down},   {"North", "South", Dir::None}};
+    QList<std::pair<QString, QString>> before, after;
+    for (const auto &[from, to, dir] : reads) {
+        before.append({from + u'>' + to, from});
+        after.append({from + u'>' + to, to});
+    }
+    values.captureValues(before, "x", true, 0);
+    values.captureValues(after, "x", true, 10);
+    for (const auto &[from, to, dir] : reads)
+        EXPECT_EQ(values.direction(from + u'>' + to), dir) << from.toStdString();
+
     EXPECT_NE(ChangeCues::marker(Dir::Up), ChangeCues::marker(Dir::Down));
     EXPECT_TRUE(ChangeCues::marker(Dir::None).isEmpty());
 }
@@ -219,6 +236,7 @@ TEST(FreshnessClock, AgeCountdownOverdueAndStopped)
         clock.setServerStopped(c.stopped);
         const QDateTime now(last.date(), c.now);
         EXPECT_EQ(clock.state(now), c.state);
+        EXPECT_EQ(clock.isOverdue(now), c.state == FreshnessClock::State::Overdue);
         EXPECT_EQ(clock.text(now, caption), QString::fromUtf8(c.text));
         clock.refreshed(now, now); // a new refresh ends the stopped state
         EXPECT_FALSE(clock.serverStopped());
