@@ -1,5 +1,6 @@
 // dlv-bench: synthetic data through the refresh path, one JSON line per stage.
 #include "benchsurface.h"
+#include "cuesbench.h"
 #include "datagenerator.h"
 #include "endurancerun.h"
 #include "model/cdlvcontroller.h"
@@ -71,6 +72,29 @@ void printViewerStages(const ViewerBench::Times &t, double parseMs)
 }
 
 } // namespace
+
+// The live options over the figures against a plain refresh, on two messages that differ in
+// nearly every figure (the same sizes, another seed).
+int printCuesStage(const DataGenerator::Options &options)
+{
+    DataGenerator::Options other = options;
+    other.seed = options.seed + 1;
+    const CuesBench::Times t =
+        CuesBench::run(DataGenerator(options).generate(), DataGenerator(other).generate(), 5);
+    Stage stage(QStringLiteral("refresh_with_cues"));
+    stage.setElapsed(t.refreshOn);
+    stage.add(QStringLiteral("units"), t.units);
+    stage.add(QStringLiteral("refresh_off_ms"), t.refreshOff);
+    stage.add(QStringLiteral("refresh_on_ms"), t.refreshOn);
+    stage.add(QStringLiteral("added_pct"),
+              t.refreshOff > 0 ? 100.0 * (t.refreshOn - t.refreshOff) / t.refreshOff : 0.0);
+    stage.add(QStringLiteral("cue_work_ms"), t.cueWork);
+    stage.add(QStringLiteral("cue_work_pct"),
+              t.refreshOff > 0 ? 100.0 * t.cueWork / t.refreshOff : 0.0);
+    stage.add(QStringLiteral("cued_cells"), t.cuedCells);
+    stage.print();
+    return t.errors;
+}
 
 int main(int argc, char **argv)
 {
@@ -169,6 +193,7 @@ int main(int argc, char **argv)
     const LoadResult load = loadOnce(parsed, QStringLiteral("load"));
     const ViewerBench::Times viewer = ViewerBench::run(parsed, 1);
     printViewerStages(viewer, parseMs);
+    const int cueErrors = printCuesStage(options);
 
     if (parser.isSet(scaling)) {
         DataGenerator::Options doubled = options;
@@ -205,5 +230,5 @@ int main(int argc, char **argv)
         ratioLine("summary_fill", n.summaryFill, n2.summaryFill);
         ratioLine("refresh", n.refresh, n2.refresh);
     }
-    return load.errors == 0 && viewer.errors == 0 ? 0 : 1;
+    return load.errors == 0 && viewer.errors == 0 && cueErrors == 0 ? 0 : 1;
 }

@@ -170,6 +170,10 @@ int BatchRun::act()
     // the profile's choice is not applied yet): the same data once more show the choice there,
     // as the next refresh would.
     m_window.resendLast();
+    // Change cues show what a refresh changed: one more refresh of the feed gives them something
+    // to show.
+    if (m_options.changeCues)
+        m_window.refresh();
     if (m_options.display != HostOptions::Display::AsProfile) {
         const char *name =
             m_options.display == HostOptions::Display::Points ? "optDisplay1" : "optDisplay0";

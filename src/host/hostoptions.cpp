@@ -65,6 +65,19 @@ struct Parser
     QCommandLineOption panel{QStringLiteral("panel"),
                              QStringLiteral("Batch: print the panel's figures as name=value "
                                             "lines.")};
+    QCommandLineOption freshness{QStringLiteral("freshness"),
+                                 QStringLiteral("Show how old the data are and when the next "
+                                                "refresh is due.")};
+    QCommandLineOption changeCues{QStringLiteral("change-cues"),
+                                  QStringLiteral("Highlight figures that changed at the last "
+                                                 "refresh (in batch runs one more refresh is "
+                                                 "sent so that the picture shows them).")};
+    QCommandLineOption exceptions{QStringLiteral("exceptions"),
+                                  QStringLiteral("Colour jeopardy, late and rates below the "
+                                                 "required rate.")};
+    QCommandLineOption trend{QStringLiteral("trend"),
+                             QStringLiteral("Open the chart of today's current and required "
+                                            "rates.")};
     QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")},
                             QStringLiteral("Show this help and exit.")};
     QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")},
@@ -80,9 +93,10 @@ struct Parser
                            "the first complete fill.\nExit status: 0 success, 1 an output "
                            "failed, 2 bad arguments, 3 unreadable or invalid data document."));
         parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-        parser.addOptions({data, lang, user, profiles, sessionUnits, refresh, seed, select,
-                           aggregate, display, tab, profile, exportCsv, printPdf, screenshot, panel,
-                           help, version});
+        parser.addOptions({data,       lang,     user,       profiles, sessionUnits, refresh,
+                           seed,       select,   aggregate,  display,  tab,          profile,
+                           exportCsv,  printPdf, screenshot, panel,    freshness,    changeCues,
+                           exceptions, trend,    help,       version});
     }
 };
 
@@ -244,6 +258,10 @@ HostOptions HostOptions::parse(const QStringList &arguments)
                                     ".png, not \"%1\"")
                          .arg(o.screenshot));
     o.panel = p.parser.isSet(p.panel);
+    o.freshness = p.parser.isSet(p.freshness);
+    o.changeCues = p.parser.isSet(p.changeCues);
+    o.exceptions = p.parser.isSet(p.exceptions);
+    o.trend = p.parser.isSet(p.trend);
 
     if (!o.exportCsv.isEmpty() && o.exportCsv == o.printPdf)
         return error(QStringLiteral("--export-csv and --print-pdf name the same file"));

@@ -53,6 +53,12 @@ public:
     quint32 seed = 0;
     bool seedGiven = false;
 
+    // The control's options over its figures, off unless asked for.
+    bool freshness = false;
+    bool changeCues = false;
+    bool exceptions = false;
+    bool trend = false; ///< open the trend chart beside the control
+
     // Batch mode.
     QStringList select;
     bool selectGiven = false;

@@ -163,6 +163,10 @@ int main(int argc, char **argv)
     settings.refreshSeconds = options.refreshSeconds;
     settings.startupProfile = options.profile;
     settings.timedRefresh = !batch;
+    settings.freshness = options.freshness;
+    settings.changeCues = options.changeCues;
+    settings.exceptions = options.exceptions;
+    settings.trend = options.trend;
     MainWindow window(std::move(feed), std::move(store), settings);
 
     if (batch) {

@@ -6,6 +6,7 @@
 #include "host/detailswindow.h"
 #include "host/hostlog.h"
 #include "host/profilestore.h"
+#include "host/trendchart.h"
 #include "webdata/qzwebmessage.h"
 #include "webdata/qzwebtransport.h"
 #include "webdata/webvariant.h"
@@ -15,6 +16,7 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QDir>
+#include <QDockWidget>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
@@ -93,6 +95,9 @@ MainWindow::MainWindow(std::unique_ptr<DataFeed> feed, std::unique_ptr<ProfileSt
     resize(1280, 800);
     statusBar()->addPermanentWidget(m_feedState, 1);
     m_feedState->setObjectName(QStringLiteral("feedState"));
+    m_viewer->SetFreshnessShown(m_settings.freshness);
+    m_viewer->SetChangeCuesShown(m_settings.changeCues);
+    m_viewer->SetExceptionsShown(m_settings.exceptions);
     createMenus();
     connectViewer();
     connect(m_timer, &QTimer::timeout, this, &MainWindow::refresh);
@@ -123,6 +128,8 @@ void MainWindow::createMenus()
     m_stopAction = feed->addAction(tr("&Stop server"), this, &MainWindow::stopServer);
     m_restartAction = feed->addAction(tr("Re&start server"), this, &MainWindow::restartServer);
 
+    createViewMenu();
+
     QMenu *language = menuBar()->addMenu(tr("&Language"));
     auto *group = new QActionGroup(this);
     for (const Language &l : kLanguages) {
@@ -141,6 +148,41 @@ void MainWindow::createMenus()
     QAction *about =
         help->addAction(tr("&About Dashlon Viewer Host"), this, &MainWindow::showAbout);
     about->setMenuRole(QAction::AboutRole);
+}
+
+void MainWindow::createViewMenu()
+{
+    QMenu *view = menuBar()->addMenu(tr("&View"));
+    const auto toggle = [&](const QString &text, const char *name, bool on,
+                            void (DLViewer::*set)(bool)) {
+        QAction *action = view->addAction(text);
+        action->setObjectName(QString::fromLatin1(name));
+        action->setCheckable(true);
+        action->setChecked(on);
+        connect(action, &QAction::toggled, m_viewer, set);
+        return action;
+    };
+    toggle(tr("Data &freshness"), "actionFreshness", m_settings.freshness,
+           &DLViewer::SetFreshnessShown);
+    toggle(tr("&Change cues"), "actionChangeCues", m_settings.changeCues,
+           &DLViewer::SetChangeCuesShown);
+    toggle(tr("&Trouble colours"), "actionExceptions", m_settings.exceptions,
+           &DLViewer::SetExceptionsShown);
+    view->addSeparator();
+
+    m_trendDock = new QDockWidget(tr("Trend of today's rates"), this);
+    m_trendDock->setObjectName(QStringLiteral("trendDock"));
+    m_trendChart = new TrendChart(m_trendDock);
+    m_trendDock->setWidget(m_trendChart);
+    addDockWidget(Qt::BottomDockWidgetArea, m_trendDock);
+    m_trendDock->setVisible(m_settings.trend);
+    QAction *trend = m_trendDock->toggleViewAction();
+    trend->setText(tr("T&rend chart"));
+    trend->setObjectName(QStringLiteral("actionTrend"));
+    trend->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_T));
+    view->addAction(trend);
+    connect(m_viewer, &DLViewer::PanelTrendChanged, m_trendChart,
+            [this] { m_trendChart->setPoints(m_viewer->PanelTrend()); });
 }
 
 void MainWindow::connectViewer()

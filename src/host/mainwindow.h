@@ -13,9 +13,11 @@ class DLViewer;
 class DLVParams;
 class ProfileStore;
 class QAction;
+class QDockWidget;
 class QLabel;
 class QTimer;
 class QZWebMessage;
+class TrendChart;
 
 /// The reference host's window. It embeds the control and drives it as a host must: Initialize
 /// with a transport carrying the language, SetRegionalFormatInfo, SetSessionBUIDList, answers to
@@ -24,8 +26,9 @@ class QZWebMessage;
 /// when it closes. Detail requests open a DetailsWindow over the feed's records.
 ///
 /// Menus: File (export the grid, print it, quit), Feed (refresh now, stop and restart the
-/// server), Language (restarts the host in another language), Help (about). The status bar shows
-/// the state of the feed.
+/// server), View (the control's freshness line, change cues and trouble colours; the trend chart
+/// of today's rates in a dock, exportable as PNG), Language (restarts the host in another
+/// language), Help (about). The status bar shows the state of the feed.
 class MainWindow final : public QMainWindow
 {
     Q_OBJECT
@@ -41,6 +44,12 @@ public:
         int refreshSeconds = 30;
         QString startupProfile;   ///< answered first to the control's first profile request
         bool timedRefresh = true; ///< false: only the first refresh (batch runs)
+        // The control's options over its figures and the trend chart, as first shown; the View
+        // menu switches them.
+        bool freshness = false;
+        bool changeCues = false;
+        bool exceptions = false;
+        bool trend = false;
     };
 
     /// Takes ownership of the feed and the store (the store may be closed: profile requests are
@@ -57,6 +66,8 @@ public:
     [[nodiscard]] DLViewer *viewer() const { return m_viewer; }
     [[nodiscard]] bool isServerRunning() const { return !m_serverStopped; }
     [[nodiscard]] int dataMessagesSent() const { return m_dataSent; }
+    [[nodiscard]] TrendChart *trendChart() const { return m_trendChart; }
+    [[nodiscard]] QDockWidget *trendDock() const { return m_trendDock; }
 
     /// The result document for a profile request (what goes back through
     /// ReceiveProfileResponse). Independent of when it is delivered.
@@ -84,6 +95,7 @@ protected:
 
 private:
     void createMenus();
+    void createViewMenu();
     void connectViewer();
     void answer(const QString &functionName, DLVParams &params);
     void onPostRequest(QString &request);
@@ -108,6 +120,8 @@ private:
     QAction *m_refreshAction = nullptr;
     QAction *m_stopAction = nullptr;
     QAction *m_restartAction = nullptr;
+    QDockWidget *m_trendDock = nullptr;
+    TrendChart *m_trendChart = nullptr;
     QList<QAction *> m_languageActions;
     std::shared_ptr<QZWebMessage> m_lastData;
     std::shared_ptr<const DetailRecords> m_details;

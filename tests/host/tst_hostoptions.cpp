@@ -31,7 +31,8 @@ TEST(HostOptions, ReadsEveryOption)
                                  "--aggregate",     "--display",   "points",      "--tab",
                                  "hierarchy",       "--profile",   "Night shift", "--export-csv",
                                  "g.csv",           "--print-pdf", "g.pdf",       "--screenshot",
-                                 "s.PNG",           "--panel"});
+                                 "s.PNG",           "--panel",     "--freshness", "--change-cues",
+                                 "--exceptions",    "--trend"});
     ASSERT_EQ(o.action, HostOptions::Action::Run) << o.errorMessage.toStdString();
     EXPECT_EQ(o.dataPath, "d.xml");
     EXPECT_EQ(o.language, "PO");
@@ -49,6 +50,7 @@ TEST(HostOptions, ReadsEveryOption)
     EXPECT_EQ(o.printPdf, "g.pdf");
     EXPECT_EQ(o.screenshot, "s.PNG");
     EXPECT_TRUE(o.panel);
+    EXPECT_TRUE(o.freshness && o.changeCues && o.exceptions && o.trend);
     EXPECT_TRUE(o.isBatch());
 }
 

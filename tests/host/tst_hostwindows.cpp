@@ -7,10 +7,15 @@
 #include "host/documentfeed.h"
 #include "host/mainwindow.h"
 #include "host/profilestore.h"
+#include "host/trendchart.h"
 #include "support/qtprinters.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QDir>
+#include <QDockWidget>
 #include <QFile>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
@@ -169,6 +174,68 @@ TEST_F(MainWindowTest, ADetailRequestOpensAWindowWithTheRecordsBehindTheFigure)
     EXPECT_EQ(windows[0]->visibleRowCount(), 30); // the document's completed work orders
     EXPECT_EQ(windows[1]->visibleRowCount(), 5);  // Beta Crew's technicians
     EXPECT_TRUE(windows[0]->isVisible());
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(MainWindowTest, ViewMenuSwitchesTheControlsOptionsAndTheTrendFollowsEveryRefresh)
+{
+    auto window = makeWindow();
+    EXPECT_FALSE(window->viewer()->ChangeCuesShown()); // off unless asked for
+    startAndWaitForData(*window);
+    for (const char *name : {"actionFreshness", "actionChangeCues", "actionExceptions"}) {
+        auto *action = window->findChild<QAction *>(QString::fromLatin1(name));
+        ASSERT_TRUE(action) << name;
+        EXPECT_FALSE(action->isChecked());
+        action->trigger();
+    }
+    EXPECT_TRUE(window->viewer()->FreshnessShown());
+    EXPECT_TRUE(window->viewer()->ChangeCuesShown());
+    EXPECT_TRUE(window->viewer()->ExceptionsShown());
+
+    EXPECT_FALSE(window->trendDock()->isVisible());
+    window->findChild<QAction *>(QStringLiteral("actionTrend"))->trigger();
+    EXPECT_TRUE(window->trendDock()->isVisible());
+    window->refresh();
+    EXPECT_EQ(window->trendChart()->pointCount(), window->dataMessagesSent());
+    EXPECT_EQ(window->trendChart()->pointCount(), window->viewer()->PanelTrend().size());
+}
+
+TEST(TrendChart, ExportsAPictureSafelyAndShowsADay)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    TrendChart chart;
+    chart.resize(1280, 800);
+    QList<PanelTrendPoint> day;
+    const QDateTime start(QDate(2026, 3, 2), QTime(7, 0));
+    for (int i = 0; i <= 40; ++i) { // every quarter hour from 7:00 to 17:00
+        PanelTrendPoint p;
+        p.time = start.addSecs(i * 15 * 60);
+        p.wosPerHrToday = float(0.4 + 0.01 * i);
+        p.wosPerHrReq = float(0.9 - 0.008 * i);
+        p.ptsPerHrToday = float(1.2 + 0.03 * i);
+        p.ptsPerHrReq = float(2.4 - 0.02 * i);
+        day.append(p);
+    }
+    chart.setPoints(day);
+    EXPECT_EQ(chart.pointCount(), 41);
+
+    const QString file = dir.filePath(QStringLiteral("trend.png"));
+    ASSERT_TRUE(chart.exportPng(file)) << chart.errorString().toStdString();
+    const QImage picture(file);
+    EXPECT_FALSE(picture.isNull());
+    EXPECT_GT(picture.width(), 400);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{"trend.png"}); // no leftovers
+
+    // A folder that does not exist: a clear reason, nothing written.
+    EXPECT_FALSE(chart.exportPng(dir.filePath(QStringLiteral("missing/trend.png"))));
+    EXPECT_FALSE(chart.errorString().isEmpty());
+#ifdef DLV_SCREENSHOT_DIR
+    chart.exportPng(QStringLiteral(DLV_SCREENSHOT_DIR "/trend-chart.png"));
+#endif
 }
 
 } // namespace
