@@ -1,5 +1,6 @@
 #include "host/batchrun.h"
 
+#include "common/atomicfile.h"
 #include "control/dlviewer.h"
 #include "host/hostlog.h"
 #include "host/mainwindow.h"
@@ -7,9 +8,11 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
+#include <QFile>
 #include <QFileInfo>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPixmap>
 #include <QPrinter>
 #include <QPushButton>
 #include <QRadioButton>
@@ -21,6 +24,17 @@
 #include <cstdio>
 
 namespace {
+
+// A PDF writer that ran out of disk space may still report success: a whole file ends with the
+// "%%EOF" marker (followed at most by a line end).
+bool pdfIsComplete(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.size() < 8)
+        return false;
+    file.seek(file.size() - 8);
+    return file.read(8).contains("%%EOF");
+}
 
 // How long a batch run waits for the control's first fill before it gives up. Only a fault of
 // the control can take it there; it keeps a script from hanging.
@@ -191,20 +205,31 @@ int BatchRun::act()
         return HostOptions::ExitFailure;
     }
     if (!m_options.printPdf.isEmpty()) {
-        QPrinter printer(QPrinter::HighResolution);
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(m_options.printPdf);
-        printer.setPageOrientation(QPageLayout::Landscape);
-        if (!viewer->PrintGrid(printer) || !QFileInfo::exists(m_options.printPdf)) {
-            printError(
-                QStringLiteral("the grid could not be printed to %1").arg(m_options.printPdf));
+        QString reason;
+        const bool printed = AtomicFile::writeByName(
+            m_options.printPdf,
+            [&](const QString &temporary) {
+                QPrinter printer(QPrinter::HighResolution);
+                printer.setOutputFormat(QPrinter::PdfFormat);
+                printer.setOutputFileName(temporary);
+                printer.setPageOrientation(QPageLayout::Landscape);
+                return viewer->PrintGrid(printer);
+            },
+            &pdfIsComplete, &reason);
+        if (!printed) {
+            printError(QStringLiteral("the grid could not be printed to %1: %2")
+                           .arg(m_options.printPdf, reason));
             return HostOptions::ExitFailure;
         }
     }
     if (!m_options.screenshot.isEmpty()) {
-        if (!m_window.grab().save(m_options.screenshot, "PNG")) {
-            printError(
-                QStringLiteral("the picture could not be saved to %1").arg(m_options.screenshot));
+        const QPixmap picture = m_window.grab();
+        QString reason;
+        if (!AtomicFile::write(
+                m_options.screenshot,
+                [&](QIODevice &device) { return picture.save(&device, "PNG"); }, &reason)) {
+            printError(QStringLiteral("the picture could not be saved to %1: %2")
+                           .arg(m_options.screenshot, reason));
             return HostOptions::ExitFailure;
         }
     }

@@ -6,9 +6,9 @@
 
 /// Comma-separated text as spreadsheets read it: a field that holds a comma, a double quote, a
 /// carriage return or a line feed is enclosed in double quotes with its quotes doubled; other
-/// fields are written as they are. Lines end with CRLF, the usual line end of the format. Files
-/// are UTF-8 with a byte-order mark, which spreadsheet programs need to read UTF-8 (the control's
-/// grid export writes the same).
+/// fields are written as they are, but for the formula guard of CsvField. Lines end with CRLF, the
+/// usual line end of the format. Files are UTF-8 with a byte-order mark, which spreadsheet programs
+/// need to read UTF-8 (the control's grid export writes the same).
 class CsvWriter
 {
 public:

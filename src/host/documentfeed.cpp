@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QSet>
 #include <cmath>
 
@@ -106,6 +107,57 @@ bool fileNameLess(const QString &a, const QString &b)
     return a < b;
 }
 
+// The control joins unit ids with "," and "|" and finds units without regard to letter case:
+// an id holding either mark, or two ids that differ only in case, would give wrong figures
+// without any error, so such a document is refused naming them.
+QString checkUnitIds(const QZWebData &data)
+{
+    const std::pair<const char16_t *, const char16_t *> columns[] = {
+        {u"BusinessUnits", u"BUID"},
+        {u"BusinessUnits", u"ParentBUID"},
+        {u"BUGeneralInfo", u"BUID"},
+        {u"BUDetailsInfo", u"BUID"},
+    };
+    QStringList marked;
+    QStringList caseVariants;
+    QHash<QString, QString> byFolded;
+    QSet<QString> seen;
+    for (const auto &[tableName, columnName] : columns) {
+        const QZWebTable &table = data.table(tableName);
+        const int c = table.columnIndex(columnName);
+        for (int row = 1; row <= table.rowCount(); ++row) {
+            const QString id = table.value(row, c).toString();
+            if (seen.contains(id))
+                continue;
+            seen.insert(id);
+            if (id.contains(u',') || id.contains(u'|'))
+                marked.append(u'"' + id + u'"');
+            const QString folded = id.toCaseFolded();
+            const auto other = byFolded.constFind(folded);
+            if (other == byFolded.cend())
+                byFolded.insert(folded, id);
+            else
+                caseVariants.append(QStringLiteral("\"%1\" and \"%2\"").arg(*other, id));
+        }
+    }
+    if (marked.isEmpty() && caseVariants.isEmpty())
+        return {};
+    const auto some = [](const QStringList &list) {
+        constexpr qsizetype shown = 5;
+        QString text = list.mid(0, shown).join(QStringLiteral(", "));
+        if (list.size() > shown)
+            text += QStringLiteral(" and %1 more").arg(list.size() - shown);
+        return text;
+    };
+    QStringList parts;
+    if (!marked.isEmpty())
+        parts.append(QStringLiteral("unit ids must not hold \",\" or \"|\": %1").arg(some(marked)));
+    if (!caseVariants.isEmpty())
+        parts.append(QStringLiteral("unit ids must differ in more than letter case: %1")
+                         .arg(some(caseVariants)));
+    return parts.join(QStringLiteral("; "));
+}
+
 } // namespace
 
 QString DocumentFeed::validate(const QZWebMessage &message)
@@ -141,6 +193,8 @@ QString DocumentFeed::validate(const QZWebMessage &message)
             }
         }
     }
+    if (QString problem = checkUnitIds(*data); !problem.isEmpty())
+        return problem;
     QString problem = checkNumbers(data->table(u"BUGeneralInfo"),
                                    {QStringLiteral("TechCount"), QStringLiteral("HoursWorked"),
                                     QStringLiteral("HoursRemaining")});
@@ -159,7 +213,8 @@ QString DocumentFeed::validate(const QZWebMessage &message)
     return {};
 }
 
-std::unique_ptr<DocumentFeed> DocumentFeed::open(const QString &path, QString *error)
+std::unique_ptr<DocumentFeed> DocumentFeed::open(const QString &path, QString *error,
+                                                 qint64 maxBytes)
 {
     auto fail = [error](const QString &text) {
         if (error)
@@ -190,7 +245,12 @@ std::unique_ptr<DocumentFeed> DocumentFeed::open(const QString &path, QString *e
         QFile f(file);
         if (!f.open(QIODevice::ReadOnly))
             return fail(QStringLiteral("%1: cannot be read: %2").arg(file, f.errorString()));
-        const QByteArray bytes = f.readAll();
+        const QByteArray bytes = f.read(maxBytes + 1);
+        if (bytes.size() > maxBytes)
+            return fail(QStringLiteral("%1: larger than the limit of %2 MiB for a data document "
+                                       "(--max-document-mib raises it)")
+                            .arg(file)
+                            .arg(maxBytes >> 20));
         auto message = std::make_shared<QZWebMessage>();
         try {
             message->loadXmlUtf8(bytes);

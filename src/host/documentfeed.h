@@ -16,14 +16,17 @@ class DocumentFeed final : public DataFeed
 {
 public:
     /// Opens a file or a folder (its "*.xml" files). Returns nothing, with a one-line reason in
-    /// *error, when the path cannot be read, holds no document, or a document is not a valid
-    /// data message.
-    [[nodiscard]] static std::unique_ptr<DocumentFeed> open(const QString &path, QString *error);
+    /// *error, when the path cannot be read, holds no document, a document is larger than
+    /// maxBytes (read no further than that, whatever the file claims: it may be a device or a
+    /// pipe), or a document is not a valid data message.
+    [[nodiscard]] static std::unique_ptr<DocumentFeed> open(const QString &path, QString *error,
+                                                            qint64 maxBytes = 256 << 20);
 
     /// Checks a message as the control will read it: a "DLVData" message needs its six tables
     /// with their columns, unique codes, whole-number counters within range, and a readable
-    /// "Details" table if it has one; a "DLVServerStopped" message needs nothing. Returns the
-    /// first problem found, or an empty text.
+    /// "Details" table if it has one, and unit ids that the control can represent (no "," or
+    /// "|", no two that differ only in letter case); a "DLVServerStopped" message needs
+    /// nothing. Returns the first problem found, or an empty text.
     [[nodiscard]] static QString validate(const QZWebMessage &message);
 
     [[nodiscard]] Frame next() override;

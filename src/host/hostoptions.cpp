@@ -33,6 +33,10 @@ struct Parser
     QCommandLineOption refresh{QStringLiteral("refresh"),
                                QStringLiteral("Seconds between refreshes (default 30)."),
                                QStringLiteral("SECONDS")};
+    QCommandLineOption maxDocument{QStringLiteral("max-document-mib"),
+                                   QStringLiteral("Largest data document read, in MiB (default "
+                                                  "256)."),
+                                   QStringLiteral("MIB")};
     QCommandLineOption seed{QStringLiteral("seed"),
                             QStringLiteral("Seed of the demo organisation's simulation."),
                             QStringLiteral("NUMBER")};
@@ -93,6 +97,7 @@ struct Parser
                            "the first complete fill.\nExit status: 0 success, 1 an output "
                            "failed, 2 bad arguments, 3 unreadable or invalid data document."));
         parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+        parser.addOptions({maxDocument});
         parser.addOptions({data,       lang,     user,       profiles, sessionUnits, refresh,
                            seed,       select,   aggregate,  display,  tab,          profile,
                            exportCsv,  printPdf, screenshot, panel,    freshness,    changeCues,
@@ -206,6 +211,16 @@ HostOptions HostOptions::parse(const QStringList &arguments)
                              .arg(MaxRefreshSeconds)
                              .arg(value(p.refresh)));
         o.refreshSeconds = seconds;
+    }
+    if (p.parser.isSet(p.maxDocument)) {
+        bool ok = false;
+        const int mib = value(p.maxDocument).trimmed().toInt(&ok);
+        if (!ok || mib < 1 || mib > MaxMaxDocumentMiB)
+            return error(QStringLiteral("--max-document-mib must be a whole number from 1 to "
+                                        "%1, not \"%2\"")
+                             .arg(MaxMaxDocumentMiB)
+                             .arg(value(p.maxDocument)));
+        o.maxDocumentMiB = mib;
     }
     if (p.parser.isSet(p.seed)) {
         bool ok = false;

@@ -39,6 +39,10 @@ public:
 
     static constexpr int DefaultRefreshSeconds = 30;
     static constexpr int MaxRefreshSeconds = 24 * 60 * 60;
+    /// Data documents larger than this are refused unread (a stray device or an endless stream
+    /// must not take the machine's memory); --max-document-mib raises it.
+    static constexpr int DefaultMaxDocumentMiB = 256;
+    static constexpr int MaxMaxDocumentMiB = 16 * 1024;
 
     Action action = Action::Run;
     QString errorMessage;
@@ -50,6 +54,7 @@ public:
     QStringList sessionUnits; ///< empty with sessionUnitsGiven false: every unit
     bool sessionUnitsGiven = false;
     int refreshSeconds = DefaultRefreshSeconds;
+    int maxDocumentMiB = DefaultMaxDocumentMiB;
     quint32 seed = 0;
     bool seedGiven = false;
 

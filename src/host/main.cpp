@@ -87,7 +87,7 @@ int main(int argc, char **argv)
     std::unique_ptr<DataFeed> feed;
     if (!options.dataPath.isEmpty()) {
         QString error;
-        feed = DocumentFeed::open(options.dataPath, &error);
+        feed = DocumentFeed::open(options.dataPath, &error, qint64(options.maxDocumentMiB) << 20);
         if (!feed) {
             printError(error);
             return HostOptions::ExitBadData;
@@ -139,7 +139,9 @@ int main(int argc, char **argv)
                            .arg(store->lastError()));
             return HostOptions::ExitFailure;
         }
-        printError(QStringLiteral("warning: profiles are not kept: %1").arg(store->lastError()));
+        printError(QStringLiteral("warning: profiles are not available yet (each request tries "
+                                  "again): %1")
+                       .arg(store->lastError()));
     } else if (!options.profile.isEmpty()) {
         try {
             if (!store->profile(options.profile)) {

@@ -162,6 +162,7 @@ bool ProfileStore::open()
                           : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
     db.setDatabaseName(m_path);
     db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(m_busyTimeoutMs));
+    m_openError = StoreUnavailable;
     if (!db.open()) {
         m_lastError = QStringLiteral("%1 cannot be opened: %2").arg(m_path, db.lastError().text());
         return false;
@@ -198,6 +199,7 @@ bool ProfileStore::open()
         }
     } catch (const DLVError &e) {
         m_lastError = QStringLiteral("%1: %2").arg(m_path, e.description());
+        m_openError = e.number() == DatabaseBusy ? DatabaseBusy : StoreUnavailable;
         db.close();
         return false;
     }
@@ -206,10 +208,10 @@ bool ProfileStore::open()
     return true;
 }
 
-void ProfileStore::requireOpen() const
+void ProfileStore::requireOpen()
 {
-    if (!m_open)
-        throw DLVError(StoreUnavailable,
+    if (!m_open && !open())
+        throw DLVError(m_openError,
                        QStringLiteral("Profiles cannot be stored: %1")
                            .arg(m_lastError.isEmpty() ? QStringLiteral("the store is not open")
                                                       : m_lastError));

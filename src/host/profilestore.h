@@ -40,8 +40,10 @@ public:
     /// How long an operation waits for another user of the file before it answers "busy".
     void setBusyTimeout(int milliseconds) { m_busyTimeoutMs = milliseconds; }
 
-    /// Opens (creating when needed) the database. Returns false with lastError() set; the
-    /// answer functions then answer every request with that error.
+    /// Opens (creating when needed) the database. Returns false with lastError() set. A store
+    /// that is not open tries again at every request, so a lock held by another program when the
+    /// host starts costs only the requests made while it lasts: they are answered with
+    /// DatabaseBusy, other failures to open with StoreUnavailable.
     [[nodiscard]] bool open();
     [[nodiscard]] bool isOpen() const { return m_open; }
     [[nodiscard]] QString lastError() const { return m_lastError; }
@@ -83,7 +85,7 @@ public:
 private:
     class Transaction;
 
-    void requireOpen() const;
+    void requireOpen();
     void storeProfile(const QZWebProfile &profile);
     [[nodiscard]] bool removeProfile(const QString &name);
     [[nodiscard]] static QString successData(const QStringList *names);
@@ -95,5 +97,6 @@ private:
     QString m_connection;
     QString m_lastError;
     int m_busyTimeoutMs = 5000;
+    int m_openError = StoreUnavailable; ///< why the last open() failed
     bool m_open = false;
 };

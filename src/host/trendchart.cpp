@@ -1,5 +1,7 @@
 #include "host/trendchart.h"
 
+#include "common/atomicfile.h"
+
 #include <QChart>
 #include <QChartView>
 #include <QDateTimeAxis>
@@ -10,7 +12,6 @@
 #include <QLineSeries>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QSaveFile>
 #include <QVBoxLayout>
 #include <QValueAxis>
 #include <algorithm>
@@ -115,21 +116,8 @@ bool TrendChart::exportPng(const QString &fileName)
 {
     m_error.clear();
     const QPixmap picture = m_view->grab();
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly)) {
-        m_error = file.errorString();
-        return false;
-    }
-    if (!picture.save(&file, "PNG")) {
-        file.cancelWriting();
-        m_error = tr("the picture could not be encoded");
-        return false;
-    }
-    if (!file.commit()) {
-        m_error = file.errorString();
-        return false;
-    }
-    return true;
+    return AtomicFile::write(
+        fileName, [&](QIODevice &device) { return picture.save(&device, "PNG"); }, &m_error);
 }
 
 void TrendChart::exportWithDialog()

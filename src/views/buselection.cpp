@@ -1,5 +1,6 @@
 #include "views/buselection.h"
 
+#include "views/hierarchygrid.h"
 #include "views/outlinegrid.h"
 
 std::vector<BUSelection::Item> BUSelection::listItems(const OutlineGrid &workOrderGrid,
@@ -9,7 +10,9 @@ std::vector<BUSelection::Item> BUSelection::listItems(const OutlineGrid &workOrd
     std::vector<Item> items;
     for (int row = 2; row < workOrderGrid.rowCount(); ++row) {
         const QString &id = workOrderGrid.rowData(row);
-        if (!sessionBUs.contains(id))
+        // The root row stands for the whole tree, not for a unit the user can pick, even when a
+        // host lists "#" among the session's units.
+        if (id == HierarchyGrid::RootKey || !sessionBUs.contains(id))
             continue;
         const QString *text = buDescriptions.find(id);
         items.push_back(Item{QStringLiteral("_") + id, text ? *text : QString()});

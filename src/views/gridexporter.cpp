@@ -1,8 +1,8 @@
 #include "views/gridexporter.h"
 
+#include "common/atomicfile.h"
 #include "views/outlinegrid.h"
 
-#include <QSaveFile>
 #include <algorithm>
 
 QByteArray GridExporter::bytes(const OutlineGrid &grid)
@@ -12,14 +12,7 @@ QByteArray GridExporter::bytes(const OutlineGrid &grid)
 
 bool GridExporter::save(const OutlineGrid &grid, const QString &path, QString *error)
 {
-    // QSaveFile: a failed write leaves an existing file as it was instead of half overwritten.
-    QSaveFile file(path);
-    const QByteArray data = bytes(grid);
-    if (file.open(QIODevice::WriteOnly) && file.write(data) == data.size() && file.commit())
-        return true;
-    if (error)
-        *error = file.errorString();
-    return false;
+    return AtomicFile::write(path, bytes(grid), error);
 }
 
 QString GridExporter::folderOf(const QString &path)

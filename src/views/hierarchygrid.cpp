@@ -8,6 +8,7 @@
 #include "views/summarygrid.h"
 
 #include <QStringList>
+#include <algorithm>
 #include <array>
 
 const QString HierarchyGrid::RootKey = QStringLiteral("#");
@@ -122,7 +123,8 @@ void HierarchyGrid::InitBUHierarchyGrid(OutlineGrid &grid, int index, const Capt
 
     grid.setBackColor(0, 0, 1, 3, OutlineGrid::fromBgr(HeaderBgr));
     grid.setBold(0, 0, 0, HierarchyLastCol, true);
-    grid.setBackColor(0, HierarchyLastCol, 1, HierarchyLastCol, OutlineGrid::fromBgr(ProductivityBgr));
+    grid.setBackColor(0, HierarchyLastCol, 1, HierarchyLastCol,
+                      OutlineGrid::fromBgr(ProductivityBgr));
 
     grid.setText(0, HierarchyLastCol, caption(QStringLiteral("Productivity")));
     static const char *const keys[] = {
@@ -199,6 +201,11 @@ std::vector<OutlineGrid::TreeNode> HierarchyGrid::BuildTree(const StringSet &buD
         for (int x = int(i); x >= 0 && !keep[std::size_t(x)]; x = parentOf[std::size_t(x)])
             keep[std::size_t(x)] = 1;
     }
+
+    // The root is pruned like any other node: once no unit below it stays, it stays only when the
+    // model holds a unit "#" itself. Otherwise a grey row of zeros would stand for nothing.
+    if (std::find(keep.begin(), keep.end(), char(1)) == keep.end() && !bus.Item(RootKey))
+        return {};
 
     // Children keep their pre-sort order as the tie-break of the sort by text: the root's
     // children that were never moved come first in lookup order, then the units moved under

@@ -1,9 +1,10 @@
 #include "views/outlinegrid.h"
 
+#include "common/atomicfile.h"
 #include "common/conversions.h"
+#include "common/csvfield.h"
 #include "common/dlverror.h"
 
-#include <QSaveFile>
 #include <algorithm>
 #include <utility>
 
@@ -18,74 +19,6 @@ namespace {
 [[nodiscard]] QRgb toStored(const QColor &color)
 {
     return color.isValid() ? (color.rgb() | 0xFF000000u) : 0u;
-}
-
-/// A text that a spreadsheet reads as a plain number: optional sign, digits with at most one
-/// period, optional exponent.
-[[nodiscard]] bool isPlainNumber(QStringView s)
-{
-    qsizetype i = 0;
-    const qsizetype n = s.size();
-    if (i < n && (s[i] == u'+' || s[i] == u'-'))
-        ++i;
-    qsizetype digits = 0;
-    while (i < n && s[i].isDigit() && s[i].unicode() < 128) {
-        ++i;
-        ++digits;
-    }
-    if (i < n && s[i] == u'.') {
-        ++i;
-        while (i < n && s[i].unicode() >= u'0' && s[i].unicode() <= u'9') {
-            ++i;
-            ++digits;
-        }
-    }
-    if (digits == 0)
-        return false;
-    if (i < n && (s[i] == u'e' || s[i] == u'E')) {
-        ++i;
-        if (i < n && (s[i] == u'+' || s[i] == u'-'))
-            ++i;
-        qsizetype expDigits = 0;
-        while (i < n && s[i].unicode() >= u'0' && s[i].unicode() <= u'9') {
-            ++i;
-            ++expDigits;
-        }
-        if (expDigits == 0)
-            return false;
-    }
-    return i == n;
-}
-
-void appendCsvField(QString &out, const QString &text)
-{
-    bool guard = false;
-    if (!text.isEmpty()) {
-        const QChar first = text.front();
-        guard = (first == u'=' || first == u'+' || first == u'-' || first == u'@') &&
-                !isPlainNumber(text);
-    }
-    bool quote = false;
-    for (const QChar ch : text) {
-        if (ch == u',' || ch == u'"' || ch == u'\r' || ch == u'\n') {
-            quote = true;
-            break;
-        }
-    }
-    if (quote)
-        out += u'"';
-    if (guard)
-        out += u'\'';
-    if (quote) {
-        for (const QChar ch : text) {
-            if (ch == u'"')
-                out += u'"';
-            out += ch;
-        }
-        out += u'"';
-    } else {
-        out += text;
-    }
 }
 
 } // namespace
@@ -1070,7 +1003,7 @@ QByteArray OutlineGrid::commaText() const
         for (size_t c = 0; c < r.cells.size(); ++c) {
             if (c > 0)
                 out += u',';
-            appendCsvField(out, r.cells[c].text);
+            CsvField::append(out, r.cells[c].text);
         }
         out += QLatin1String("\r\n");
     }
@@ -1079,11 +1012,5 @@ QByteArray OutlineGrid::commaText() const
 
 bool OutlineGrid::saveCommaText(const QString &path) const
 {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    const QByteArray bytes = commaText();
-    if (file.write(bytes) != bytes.size())
-        return false;
-    return file.commit();
+    return AtomicFile::write(path, commaText());
 }

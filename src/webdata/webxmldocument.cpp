@@ -30,6 +30,13 @@ QString kindText(const WebXmlKind &kind)
                    QStringLiteral("The %1 is not well-formed: %2").arg(kindText(kind), what));
 }
 
+[[noreturn]] void throwLossyReference(const WebXmlKind &kind, const QString &position)
+{
+    throwMalformed(kind, QStringLiteral("a character reference to U+0000 or beyond U+10FFFF at %1 "
+                                        "(write a NUL as <C u=\"0\"/>)")
+                             .arg(position));
+}
+
 // Position of a UTF-16 index as text, with line and column (1-based) for people reading a file.
 QString utf16Position(QStringView xml, qsizetype index)
 {
@@ -85,7 +92,75 @@ qsizetype utf16IndexOfUtf8Offset(QStringView xml, std::ptrdiff_t offset)
     return i;
 }
 
+bool startsWith(const auto *p, const auto *end, const char *literal)
+{
+    for (; *literal; ++literal, ++p) {
+        if (p == end || *p != char16_t(static_cast<unsigned char>(*literal)))
+            return false;
+    }
+    return true;
+}
+
+// Index of the first character after the terminator, searching from p, or end when missing.
+template <typename Char>
+const Char *skipPast(const Char *p, const Char *end, const char *terminator)
+{
+    for (; p < end; ++p) {
+        if (startsWith(p, end, terminator))
+            return p + std::strlen(terminator);
+    }
+    return end;
+}
+
 } // namespace
+
+template <typename Char>
+qsizetype WebXmlDocument::firstLossyReference(const Char *begin, const Char *end)
+{
+    // The parser writes a reference to U+0000 as a NUL into its own buffer, which silently ends
+    // the string there ("Crew &#0;TAIL" would load as "Crew "); a value too large for its 32-bit
+    // arithmetic wraps, possibly to zero. Both are found before parsing. CDATA sections, comments
+    // and processing instructions hold no references, so "&#0;" inside them is plain text.
+    for (const Char *p = begin; p < end; ++p) {
+        if (*p == u'<') {
+            if (startsWith(p, end, "<![CDATA["))
+                p = skipPast(p, end, "]]>") - 1;
+            else if (startsWith(p, end, "<!--"))
+                p = skipPast(p, end, "-->") - 1;
+            else if (startsWith(p, end, "<?"))
+                p = skipPast(p, end, "?>") - 1;
+            continue;
+        }
+        if (*p != u'&' || end - p < 3 || p[1] != u'#')
+            continue;
+        const bool hex = p[2] == u'x';
+        const Char *q = p + (hex ? 3 : 2);
+        quint64 value = 0;
+        bool tooLarge = false;
+        bool digits = false;
+        for (; q < end; ++q) {
+            int d = -1;
+            if (*q >= u'0' && *q <= u'9')
+                d = int(*q - u'0');
+            else if (hex && *q >= u'a' && *q <= u'f')
+                d = int(*q - u'a') + 10;
+            else if (hex && *q >= u'A' && *q <= u'F')
+                d = int(*q - u'A') + 10;
+            if (d < 0)
+                break;
+            digits = true;
+            value = value * (hex ? 16 : 10) + quint64(d);
+            if (value > 0x10FFFF) {
+                tooLarge = true;
+                value = 0x110000; // keeps the arithmetic bounded on endless digit runs
+            }
+        }
+        // Without digits or the closing ";" the parser keeps the text as it stands.
+        if (digits && q < end && *q == u';' && (value == 0 || tooLarge))
+            return p - begin;
+    }
+    return -1;
+}
 
 WebXmlDocument::WebXmlDocument(QStringView xml, const WebXmlKind &kind) : m_kind(kind)
 {
@@ -109,6 +184,8 @@ WebXmlDocument::WebXmlDocument(QStringView xml, const WebXmlKind &kind) : m_kind
                                .arg(utf16Position(xml, i))
                                .arg(unsigned(u), 0, 16));
     }
+    if (const qsizetype at = firstLossyReference(xml.utf16(), xml.utf16() + xml.size()); at >= 0)
+        throwLossyReference(kind, utf16Position(xml, at));
     const pugi::xml_parse_result result = m_doc.load_buffer(
         xml.data(), std::size_t(xml.size()) * sizeof(char16_t), parseFlags, pugi::encoding_utf16);
     if (result.status == pugi::status_out_of_memory)
@@ -128,6 +205,9 @@ WebXmlDocument::WebXmlDocument(QByteArrayView utf8, const WebXmlKind &kind) : m_
         throwMalformed(kind,
                        QStringLiteral("a NUL byte at %1")
                            .arg(utf8Position(utf8, static_cast<const char *>(nul) - utf8.data())));
+    const auto *bytes = reinterpret_cast<const unsigned char *>(utf8.data());
+    if (const qsizetype at = firstLossyReference(bytes, bytes + utf8.size()); at >= 0)
+        throwLossyReference(kind, utf8Position(utf8, at));
     const pugi::xml_parse_result result =
         m_doc.load_buffer(utf8.data(), std::size_t(utf8.size()), parseFlags, pugi::encoding_utf8);
     if (result.status == pugi::status_out_of_memory)
@@ -171,3 +251,7 @@ void WebXmlDocument::rethrowWithContext() const
                        QStringLiteral("Out of memory loading the %1").arg(kindText(m_kind)));
     }
 }
+
+template qsizetype WebXmlDocument::firstLossyReference(const char16_t *, const char16_t *);
+template qsizetype WebXmlDocument::firstLossyReference(const unsigned char *,
+                                                       const unsigned char *);

@@ -46,6 +46,12 @@ public:
         }
     }
 
+    /// Offset of the first character reference that the parser cannot carry without loss (to
+    /// U+0000, or too large for a code point), or -1. Any reader of host documents refuses such a
+    /// document with error 5 before parsing.
+    template <typename Char>
+    [[nodiscard]] static qsizetype firstLossyReference(const Char *begin, const Char *end);
+
 private:
     [[noreturn]] void rethrowWithContext() const;
     void checkRoot();

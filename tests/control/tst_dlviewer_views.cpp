@@ -164,3 +164,22 @@ TEST_F(DLViewerViews, AFailedFillIsReportedAndLeavesNoBusyFlagBehind)
     EXPECT_EQ(dialogs->calls.size(), 1u);
     EXPECT_EQ(hierarchyCell("R1", 1), "3"); // R1 and C1
 }
+
+TEST_F(DLViewerViews, TheRootIsNoUnitToPickAndGoesWhenNoUnitStays)
+{
+    // A host that lists the root mark among the session's units: the list still starts with the
+    // first real unit, which the new profile selects, so the first screen shows its figures.
+    start(regions(), {"#", "R1", "C1"});
+    EXPECT_EQ(listKeys(false), (QStringList{"_R1", "_C1"}));
+    EXPECT_EQ(figure("lblTechCount"), "1");
+
+    // No unit in the model: no grey root row stands for nothing; the headers stay.
+    DLVDataBuilder empty;
+    empty.unit("#", "All", "").unit("R1", "Region 1", "#").unit("C1", "City 1", "R1");
+    empty.jobType("T", "Install").jobClass("C", "Cable");
+    send(empty);
+    for (int g = 1; g <= 2; ++g)
+        EXPECT_EQ(d().grids[std::size_t(g)].rowCount(), 2) << g;
+    EXPECT_TRUE(listKeys(false).isEmpty());
+    EXPECT_TRUE(dialogs->calls.empty());
+}

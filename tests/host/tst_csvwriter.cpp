@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST(CsvWriter, QuotesOnlyWhatNeedsQuoting)
+TEST(CsvWriter, QuotesOnlyWhatNeedsQuotingAndGuardsFormulas)
 {
     const std::pair<QString, QString> cases[] = {
         {"Alpha Crew", "Alpha Crew"},
@@ -19,6 +19,10 @@ TEST(CsvWriter, QuotesOnlyWhatNeedsQuoting)
         {"a\rb", "\"a\rb\""},
         {"  x  ", "  x  "},
         {"a;b", "a;b"},
+        // The details export guards formulas as the grid export does.
+        {"=HYPERLINK(\"x\")", "\"'=HYPERLINK(\"\"x\"\")\""},
+        {"\t+1+1", "'\t+1+1"},
+        {"-12", "-12"},
     };
     for (const auto &[text, written] : cases)
         EXPECT_EQ(CsvWriter::field(text), written) << text.toStdString();

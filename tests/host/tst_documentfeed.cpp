@@ -93,6 +93,12 @@ TEST(DocumentFeed, ABadDocumentIsRefusedWithAReasonNamingTheFileAndTheFault)
         {"<V>C2</V><V>INST</V><V>RES</V><V>3</V>",
          "<V>C2</V><V>INST</V><V>RES</V><V>99999999999</V>", "99999999999"},
         {"<V>WOJeopardy</V>", "<V>Jeopardy</V>", "\"Jeopardy\" is not"},
+        // Unit ids the control cannot represent.
+        {"<V>C2</V><V>Beta Crew</V><V>R1</V>", "<V>C,2</V><V>Beta Crew</V><V>R1</V>", "\"C,2\""},
+        {"<V>C2</V><V>Beta Crew</V><V>R1</V>", "<V>C|2</V><V>Beta Crew</V><V>R1</V>", "\"C|2\""},
+        {"<V>C2</V><V>Beta Crew</V><V>R1</V>", "<V>c1</V><V>Beta Crew</V><V>R1</V>",
+         "\"C1\" and \"c1\""},
+        {"<V>Beta Crew</V>", "<V>Beta &#0;Crew</V>", "U+0000"},
     };
     for (const auto &c : cases) {
         QByteArray text = readFile(kHostDataDir + QStringLiteral("/two-crews.xml"));
@@ -124,6 +130,13 @@ TEST(DocumentFeed, RefusesMissingPathsEmptyFoldersAndFoldersWithABadDocument)
     ASSERT_TRUE(writeFile(dir.filePath(QStringLiteral("2.xml")), "not xml"));
     EXPECT_FALSE(DocumentFeed::open(dir.path(), &error));
     EXPECT_TRUE(error.contains(QStringLiteral("2.xml"))) << error.toStdString();
+
+    // Past the size limit nothing more is read: an endless device is refused, not read on.
+    for (const QString &path :
+         {QStringLiteral("/dev/zero"), kHostDataDir + QStringLiteral("/two-crews.xml")}) {
+        EXPECT_FALSE(DocumentFeed::open(path, &error, 1024));
+        EXPECT_TRUE(error.contains(QStringLiteral("larger than the limit"))) << error.toStdString();
+    }
 }
 
 } // namespace

@@ -271,6 +271,34 @@ TEST_F(ProfileStoreTest, ALockedDatabaseIsAnsweredAsBusyAndWorksAgainAfterwards)
     EXPECT_EQ(store->profileNames(), QStringList{"Default"});
 }
 
+TEST_F(ProfileStoreTest, AStoreLockedAtStartAnswersBusyAndOpensOnceTheLockIsGone)
+{
+    ASSERT_TRUE(openStore()->open()); // the file exists, set up by an earlier session
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), "locker");
+        other.setDatabaseName(path());
+        ASSERT_TRUE(other.open());
+        QSqlQuery lock(other);
+        ASSERT_TRUE(lock.exec(QStringLiteral("BEGIN EXCLUSIVE")));
+
+        ProfileStore store(path(), "ana", "DashlonViewer");
+        store.setBusyTimeout(0);
+        EXPECT_FALSE(store.open());
+        const Outcome list = errorOf(store.answerGetProfileList());
+        EXPECT_EQ(list.number, ProfileStore::DatabaseBusy) << list.description.toStdString();
+
+        ASSERT_TRUE(lock.exec(QStringLiteral("ROLLBACK")));
+        lock.finish();
+        other.close();
+
+        // The lock is gone: the next request opens the store and is answered.
+        EXPECT_EQ(errorOf(store.answerPutProfiles(setOf({viewProfile("Night", "C1")}))).number, 0);
+        EXPECT_TRUE(store.isOpen());
+        EXPECT_EQ(store.profileNames(), QStringList{"Night"});
+    }
+    QSqlDatabase::removeDatabase("locker");
+}
+
 TEST_F(ProfileStoreTest, AStoreThatCannotOpenAnswersEveryRequestWithItsReason)
 {
     // A folder where the database file should be.

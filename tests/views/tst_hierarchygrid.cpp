@@ -33,8 +33,8 @@ std::string figures(const OutlineGrid &grid, int row)
 
 /// The step-by-step build the direct one must match: every unit under the root in description
 /// order, each moved under its parent in parent-lookup order (a move into the unit's own subtree
-/// is impossible and leaves it under the root), childless units the model lacks pruned from the
-/// bottom up, children sorted by text. Quadratic; a yardstick for tests only.
+/// is impossible and leaves it under the root), childless nodes the model lacks pruned from the
+/// bottom up (the root too), children sorted by text. Quadratic; a yardstick for tests only.
 void stepByStep(OutlineGrid &g, const cDLVController &controller)
 {
     const StringSet &descriptions = controller.BUDescriptions();
@@ -63,7 +63,7 @@ void stepByStep(OutlineGrid &g, const cDLVController &controller)
             // The parent lies in the unit's own subtree.
         }
     }
-    for (int r = g.rowCount() - 1; r >= 3; --r) {
+    for (int r = g.rowCount() - 1; r >= 2; --r) {
         if (g.childCount(r) == 0 && !controller.BUs().Item(g.rowData(r)))
             g.removeRow(r);
     }
@@ -122,7 +122,12 @@ TEST(HierarchyGridTree, ShapesOfTheTree)
         DLVDataBuilder data;
         std::vector<std::string> expected;
     } cases[] = {
-        {"no units: the root alone", DLVDataBuilder().unit("#", "All", ""), {"0 All #"}},
+        {"no units: not even the root",
+         DLVDataBuilder().unit("#", "All", "").unit("U", "U", "#"),
+         {}},
+        {"the root stays when the model holds it",
+         DLVDataBuilder().unit("#", "All", "").general("#"),
+         {"0 All #"}},
         {"leaves the model lacks go, and so do parents left childless",
          DLVDataBuilder()
              .unit("#", "All", "")

@@ -321,6 +321,10 @@ TEST(OutlineGrid, CommaTextQuotesAndGuardsFormulas)
         {"exponent", "-1E5", "-1E5"},
         {"broken exponent", "-1E", "'-1E"},
         {"guarded and quoted", "=a,b", "\"'=a,b\""},
+        // Spreadsheets skip leading TAB and CR before they read a formula.
+        {"tab then formula", "\t=cmd|' /c calc'!A0", "'\t=cmd|' /c calc'!A0"},
+        {"carriage return then formula", "\r@SUM(1)", "\"'\r@SUM(1)\""},
+        {"tab before a number", "\t-12", "'\t-12"},
         {"unicode", "Técnico",
          "T\xc3\xa9"
          "cnico"},

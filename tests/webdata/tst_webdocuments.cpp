@@ -242,6 +242,50 @@ TEST_P(WebDocumentForm, MalformedTextOrWrongRootIsInvalidCall)
     }
 }
 
+// A reference to U+0000 used to end the string silently ("Crew &#0;TAIL" loaded as "Crew ");
+// one too large for a code point could wrap to zero. Both are refused in names and values.
+TEST_P(WebDocumentForm, ReferencesThatCannotBeCarriedAreRefused)
+{
+    const QString text = QString::fromUtf8(sampleFile(GetParam().sample));
+    const qsizetype name = text.indexOf(QStringLiteral("name=\"")) + 6;
+    const qsizetype value = text.indexOf(u'<', text.indexOf(QStringLiteral("<V>")) + 1);
+    ASSERT_GT(name, 5);
+    for (const char *reference :
+         {"&#0;", "&#x0;", "&#00000;", "&#x110000;", "&#4294967296;", "&#x100000000;"}) {
+        SCOPED_TRACE(reference);
+        for (const qsizetype at : {name, value}) {
+            if (at <= 0)
+                continue; // a form without values in its sample
+            const QString bad = QString(text).insert(at, QLatin1String(reference));
+            EXPECT_TRUE(expectError([&] { GetParam().loadUtf16(bad); }, 5)
+                            .contains(QStringLiteral("character reference to U+0000")));
+            EXPECT_EQ(thrownNumber([&] { GetParam().loadUtf8(bad.toUtf8()); }), 5);
+        }
+    }
+    // Inside CDATA, a comment or a processing instruction it is plain text; "&#X0;" is no
+    // reference at all and "&#1;" is a character like any other.
+    for (const char *harmless :
+         {"<![CDATA[&#0;]]>", "<!-- &#0; -->", "<?pi &#0;?>", "&#1;", "&amp;#0;", "&#X0;"}) {
+        if (value <= 0)
+            continue;
+        const QString fine = QString(text).insert(value, QLatin1String(harmless));
+        EXPECT_EQ(thrownNumber([&] { GetParam().loadUtf16(fine); }), 0) << harmless;
+        EXPECT_EQ(thrownNumber([&] { GetParam().loadUtf8(fine.toUtf8()); }), 0) << harmless;
+    }
+}
+
+TEST(WebDocumentLoad, ValueAroundARefusedReferenceIsNeverCut)
+{
+    const QZWebTable t = QZWebTable::fromXml(u"<Table name=\"T\"><Column name=\"A\"/><Row><V>Crew "
+                                             u"<![CDATA[&#0;]]>TAIL</V></Row></Table>");
+    EXPECT_EQ(t.value(1, 0), QStringLiteral("Crew &#0;TAIL"));
+    expectError(
+        [] {
+            (void)QZWebData::fromXml(u"<WebData><Table name=\"BUGeneralInfo&#0;junk\"/></WebData>");
+        },
+        5);
+}
+
 TEST_P(WebDocumentForm, DeepNestingOfUnknownElementsDoesNotOverflowTheStack)
 {
     const QString text = QString::fromUtf8(sampleFile(GetParam().sample));
