@@ -4,6 +4,7 @@
 // keeps the order in which a data message refreshes the hierarchy, the unit list and the summary.
 
 #include "common/conversions.h"
+#include "common/displaytext.h"
 #include "control/dlviewer_p.h"
 #include "control/livecues.h"
 #include "model/cdlvcontroller.h"
@@ -225,8 +226,10 @@ void DLViewerPrivate::LoadBUListView()
     QList<QTreeWidgetItem *> widgets;
     widgets.reserve(qsizetype(items.size()));
     for (const BUSelection::Item &item : items) {
-        auto *widget = new QTreeWidgetItem(QStringList{item.text});
+        auto *widget = new QTreeWidgetItem(QStringList{DisplayText::shown(item.text)});
         widget->setData(0, Qt::UserRole, item.key);
+        if (DisplayText::isCut(item.text))
+            widget->setToolTip(0, DisplayText::toolTip(item.text));
         widgets.push_back(widget);
     }
     lvBU->addTopLevelItems(widgets); // the list view takes ownership

@@ -1,5 +1,6 @@
 #include "control/profilehostadapter.h"
 
+#include "common/displaytext.h"
 #include "control/dlviewer_p.h"
 #include "model/cdlvcontroller.h"
 #include "ui/captioncatalogue.h"
@@ -117,7 +118,8 @@ void ProfileHostAdapter::collapse(int gridIndex, const StringSet &keys)
 
 void ProfileHostAdapter::showCurrentProfile(const QString &name)
 {
-    d.lblCurrentProfile->setText(name);
+    d.lblCurrentProfile->setText(DisplayText::shown(name));
+    d.lblCurrentProfile->setToolTip(DisplayText::toolTip(name));
     d.lblCurrentProfile->setVisible(true);
     d.lblProfile->setVisible(true);
     d.q->ResizeControls(); // the top row is laid out from the labels' widths

@@ -1,5 +1,6 @@
 #include "ui/frmerror.h"
 
+#include "common/displaytext.h"
 #include "ui/captioncatalogue.h"
 #include "ui/ownerframelock.h"
 
@@ -184,7 +185,8 @@ void frmError::setTexts(qint32 number, const QString &description, const QString
     m_cont->setText(text("fraError-cmdCont"));
 
     m_errNum->setText(QString::number(number));
-    m_errStr->setText(description);
+    // A host's description may be of any length; the dialog shows what a reader can take in.
+    m_errStr->setText(DisplayText::cut(description, DisplayText::MaxToolTip));
     m_errLoc->setText(location);
 }
 

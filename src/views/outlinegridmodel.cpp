@@ -1,5 +1,6 @@
 #include "views/outlinegridmodel.h"
 
+#include "common/displaytext.h"
 #include "views/celldecorator.h"
 
 #include <QColor>
@@ -136,16 +137,20 @@ QVariant OutlineGridModel::data(const QModelIndex &index, int role) const
     case Qt::ToolTipRole: {
         const QString &text = m_grid->text(row, col);
         if (text.isEmpty() && col == m_grid->outlineCol() && m_grid->outlineTextCol() >= 0 &&
-            m_grid->isNode(row))
-            return m_grid->text(row, m_grid->outlineTextCol());
+            m_grid->isNode(row)) {
+            const QString &outlineText = m_grid->text(row, m_grid->outlineTextCol());
+            if (role == Qt::ToolTipRole && DisplayText::isCut(outlineText))
+                return DisplayText::toolTip(outlineText);
+            return DisplayText::shown(outlineText);
+        }
         if (role == Qt::ToolTipRole)
-            return {};
+            return DisplayText::isCut(text) ? QVariant(DisplayText::toolTip(text)) : QVariant();
         if (m_decorator) {
             const QString marker = m_decorator->decoration(row, col).marker;
             if (!marker.isEmpty())
-                return marker + u' ' + text;
+                return marker + u' ' + DisplayText::shown(text);
         }
-        return text;
+        return DisplayText::shown(text);
     }
     case Qt::BackgroundRole: {
         if (m_decorator) {

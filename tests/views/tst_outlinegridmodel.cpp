@@ -105,6 +105,29 @@ TEST(OutlineGridModel, RolesShowCellsAndHeadersAsTheGridHoldsThem)
     EXPECT_FALSE(m.headerData(0, Qt::Vertical).isValid());
 }
 
+// A host's text of megabytes must not be laid out whole (it froze the control for minutes):
+// the cell shows a bounded part, the tool tip a longer one, and the data keep every character.
+TEST(OutlineGridModel, LongTextsAreShownCutAndKeptWhole)
+{
+    OutlineGrid g;
+    makeSummary(g);
+    const QString huge = QStringLiteral("Crew ") + QString(4 << 20, u'x');
+    g.setText(3, 2, huge);
+    g.setText(2, 1, huge); // the group text that a node row shows in its tree column
+    OutlineGridModel m(&g);
+    for (const QModelIndex &cell : {m.indexForRow(3, 2), m.indexForRow(2, 2)}) {
+        const QString shown = cell.data().toString();
+        EXPECT_LE(shown.size(), 256);
+        EXPECT_TRUE(shown.startsWith(QStringLiteral("Crew xx")) && shown.endsWith(QChar(0x2026)));
+        const QString tip = cell.data(Qt::ToolTipRole).toString();
+        EXPECT_GT(tip.size(), shown.size());
+        EXPECT_LE(tip.size(), 2048);
+    }
+    EXPECT_FALSE(m.indexForRow(4, 2).data(Qt::ToolTipRole).isValid()) << "short texts: no tip";
+    EXPECT_EQ(g.text(3, 2), huge);
+    EXPECT_TRUE(g.commaText().contains(huge.toUtf8()));
+}
+
 TEST(OutlineGridModel, SuspendedFillResetsOnce)
 {
     OutlineGrid g;
