@@ -1,11 +1,13 @@
 // dlv-host as a program: batch runs on small data documents, checked by what they print and
 // write, and the exit status and message for bad arguments and bad documents.
 #include "host/profilestore.h"
+#include "support/fullfilesystem.h"
 #include "support/qtprinters.h"
 #include "webdata/qzwebprofile.h"
 #include "webdata/qzwebprofiles.h"
 #include "webdata/qzwebtable.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -136,6 +138,39 @@ TEST_F(HostProcessTest, PrintsToPdfAndTakesAPictureOfTheWindow)
     // The IHDR chunk: width and height, big-endian, after the signature and the chunk header.
     EXPECT_EQ(qFromBigEndian<quint32>(picture.constData() + 16), 1280u);
     EXPECT_EQ(qFromBigEndian<quint32>(picture.constData() + 20), 800u);
+}
+
+// On a full disk every output fails with status 1 and the user's earlier file stays as it was.
+TEST_F(HostProcessTest, AFullDiskFailsTheRunAndKeepsTheEarlierFile)
+{
+    FullFileSystem disk;
+    if (!disk.ok())
+        GTEST_SKIP() << disk.reason();
+    const QByteArray earlier("the report of yesterday\n");
+    for (const auto &[option, name] :
+         {std::pair{"--export-csv", "out.csv"}, std::pair{"--print-pdf", "out.pdf"},
+          std::pair{"--screenshot", "out.png"}}) {
+        SCOPED_TRACE(option);
+        const QString target = disk.filePath(QString::fromLatin1(name));
+        {
+            QFile f(target);
+            ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+            f.write(earlier);
+        }
+        // Whatever room is left goes to another file.
+        QFile filler(disk.filePath(QStringLiteral("filler")));
+        ASSERT_TRUE(filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+        while (filler.write(QByteArray(512, 'f')) > 0) {
+        }
+        const Result r = run({"--data", kTwoCrews, "--select", "C1,C2", option, target});
+        EXPECT_EQ(r.status, 1) << r.err.toStdString();
+        EXPECT_TRUE(r.err.contains(QStringLiteral("dlv-host: "))) << r.err.toStdString();
+        EXPECT_EQ(readAll(target), earlier);
+        EXPECT_EQ(QDir(disk.path()).entryList(QDir::Files | QDir::Hidden),
+                  (QStringList{"filler", QString::fromLatin1(name)}));
+        filler.remove();
+        QFile::remove(target);
+    }
 }
 
 TEST_F(HostProcessTest, TheControlsDefaultProfileIsStoredForTheUser)
