@@ -61,13 +61,30 @@ std::span<const int> BUHierarchy::children(QStringView parentId) const
 
 void BUHierarchy::appendDescendants(QStringView id, std::vector<int> &out) const
 {
+    walk(id, out, nullptr);
+}
+
+void BUHierarchy::appendDescendants(QStringView id, std::vector<int> &out,
+                                    std::vector<char> &done) const
+{
+    walk(id, out, &done);
+}
+
+void BUHierarchy::walk(QStringView id, std::vector<int> &out, std::vector<char> *done) const
+{
+    const int start = indexOf(id);
+    if (done && start >= 0) {
+        if ((*done)[std::size_t(start)])
+            return;
+        (*done)[std::size_t(start)] = 1;
+    }
     if (++m_stamp == 0) { // wrapped: forget every old mark
         std::fill(m_mark.begin(), m_mark.end(), 0);
         m_stamp = 1;
     }
     const std::uint32_t stamp = m_stamp;
-    if (const int unit = indexOf(id); unit >= 0)
-        m_mark[std::size_t(unit)] = stamp;
+    if (start >= 0)
+        m_mark[std::size_t(start)] = stamp;
 
     // A node's listed children are contiguous in out; a frame walks them and descends into each.
     struct Frame
@@ -79,9 +96,11 @@ void BUHierarchy::appendDescendants(QStringView id, std::vector<int> &out) const
     const auto listChildren = [&](std::span<const int> kids) {
         const std::size_t begin = out.size();
         for (const int child : kids) {
-            if (m_mark[std::size_t(child)] == stamp)
+            if (m_mark[std::size_t(child)] == stamp || (done && (*done)[std::size_t(child)]))
                 continue;
             m_mark[std::size_t(child)] = stamp;
+            if (done)
+                (*done)[std::size_t(child)] = 1;
             out.push_back(child);
         }
         stack.push_back(Frame{begin, out.size()});

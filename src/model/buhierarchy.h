@@ -44,8 +44,14 @@ public:
     /// children in parent-map order, then each child's descendants in turn. id itself and any unit
     /// already listed are never listed (or descended into) again, which ends cycles.
     void appendDescendants(QStringView id, std::vector<int> &out) const;
+    /// The same, for a run of walks whose listings are merged first-seen (the aggregate of many
+    /// units): a unit marked in done is neither listed nor descended into, since an earlier walk
+    /// listed it and with it everything below it; listed units (and id) get marked. The run
+    /// costs one visit per unit however deep the tree. done has count() entries.
+    void appendDescendants(QStringView id, std::vector<int> &out, std::vector<char> &done) const;
 
 private:
+    void walk(QStringView id, std::vector<int> &out, std::vector<char> *done) const;
     [[nodiscard]] std::span<const int> group(int g) const
     {
         if (g < 0)

@@ -300,9 +300,12 @@ StringSet cDLVController::GetAggregateBUList()
         if (!m_surface)
             throw DLVError::invalidCall(QStringLiteral("the controller has no surface to read"));
         const int count = m_surface->buListCount();
+        // Units listed by an earlier selected unit's walk bring all their descendants with them:
+        // later walks skip them, so the whole list costs one visit per unit at any depth.
+        std::vector<char> done(std::size_t(Hierarchy().count()), 0);
         for (int i = 0; i < count; ++i) {
             if (m_surface->buListSelected(i))
-                appendBUIDList(m_surface->buListKey(i).mid(1), ids);
+                appendBUIDList(m_surface->buListKey(i).mid(1), ids, &done);
         }
     });
     return ids;
@@ -335,12 +338,16 @@ QString cDLVController::GetChildBUIDList(const QString &buID)
     return list;
 }
 
-void cDLVController::appendBUIDList(const QString &buID, StringSet &out) const
+void cDLVController::appendBUIDList(const QString &buID, StringSet &out,
+                                    std::vector<char> *done) const
 {
     const BUHierarchy &hierarchy = Hierarchy();
     addPieces(buID, out);
     m_walk.clear();
-    hierarchy.appendDescendants(buID, m_walk);
+    if (done)
+        hierarchy.appendDescendants(buID, m_walk, *done);
+    else
+        hierarchy.appendDescendants(buID, m_walk);
     for (const int unit : m_walk)
         addPieces(hierarchy.id(unit), out);
 }

@@ -108,7 +108,8 @@ private:
     void LoadBUData(const QZWebTable &general, const QZWebTable &details, bool &ok);
     void UpdateRefreshTimes(const QZWebMessage &message);
 
-    void appendBUIDList(const QString &buID, StringSet &out) const;
+    void appendBUIDList(const QString &buID, StringSet &out,
+                        std::vector<char> *done = nullptr) const;
     void reportMessageError(const QZWebMessage *message, qint32 number, const QString &description);
 
     ErrorReporter *m_reporter;

@@ -2,6 +2,7 @@
 
 #include "common/conversions.h"
 #include "common/dlverror.h"
+#include "model/buhierarchy.h"
 #include "model/businessunit.h"
 #include "model/businessunits.h"
 #include "model/cdlvcontroller.h"
@@ -10,6 +11,7 @@
 #include <QStringList>
 #include <algorithm>
 #include <array>
+#include <climits>
 
 const QString HierarchyGrid::RootKey = QStringLiteral("#");
 
@@ -240,11 +242,144 @@ std::vector<OutlineGrid::TreeNode> HierarchyGrid::BuildTree(const StringSet &buD
     return nodes;
 }
 
+namespace {
+
+/// One unit's figures in the order of RowFigures, wide enough for any sum of 32-bit values.
+struct WideFigures
+{
+    static constexpr int Count = 3 + 2 * StatusCount;
+    std::array<qint64, Count> v{};
+    bool reached = false;
+
+    void add(const WideFigures &o)
+    {
+        for (int i = 0; i < Count; ++i)
+            v[std::size_t(i)] += o.v[std::size_t(i)];
+        reached = reached || o.reached;
+    }
+    /// The unit's own figures; false when one is negative.
+    bool assign(const BusinessUnit &bu)
+    {
+        v[0] = bu.TechCount();
+        v[1] = bu.HoursRemaining();
+        v[2] = bu.HoursWorked();
+        const auto &totals = bu.GrandTotals();
+        for (int s = 0; s < 2 * StatusCount; ++s)
+            v[std::size_t(3 + s)] = totals[std::size_t(s)];
+        reached = true;
+        return std::all_of(v.begin(), v.end(), [](qint64 x) { return x >= 0; });
+    }
+    /// As RowFigures; false when a sum leaves the 32-bit range.
+    bool narrow(RowFigures &f) const
+    {
+        if (std::any_of(v.begin(), v.end(), [](qint64 x) { return x > INT32_MAX; }))
+            return false;
+        f.techCount = qint32(v[0]);
+        f.hoursRemaining = qint32(v[1]);
+        f.hoursWorked = qint32(v[2]);
+        for (int s = 0; s < StatusCount; ++s) {
+            f.workOrders[std::size_t(s)] = qint32(v[std::size_t(3 + s)]);
+            f.points[std::size_t(s)] = qint32(v[std::size_t(3 + StatusCount + s)]);
+        }
+        f.reached = reached;
+        return true;
+    }
+};
+
+/// The rows' figures from subtree sums computed bottom-up once, so that the cost does not depend
+/// on the depth of the tree. The sums equal the unit-by-unit addition exactly when no figure is
+/// negative (a partial sum then overflows only if the whole does) and the tree has no cycle; the
+/// caller takes the unit-by-unit way otherwise, which also reports an overflow where it occurs.
+bool fillBottomUp(std::vector<RowFigures> &figures, const OutlineGrid &workOrders,
+                  const BUHierarchy &hierarchy, const BusinessUnits &bus,
+                  const StringSet &selection)
+{
+    const int n = hierarchy.count();
+    std::vector<WideFigures> sums(static_cast<std::size_t>(n));
+    for (int u = 0; u < n; ++u) {
+        if (const BusinessUnit *bu = bus.Item(hierarchy.id(u))) {
+            if (!sums[std::size_t(u)].assign(*bu))
+                return false;
+        }
+    }
+    // Parents before children; a unit that no top reaches lies on a cycle.
+    std::vector<int> order;
+    order.reserve(std::size_t(n));
+    for (int u = 0; u < n; ++u) {
+        const int parent = hierarchy.parentIndex(u);
+        if (parent < 0 || parent == u)
+            order.push_back(u);
+    }
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        for (const int child : hierarchy.childrenOf(order[i]))
+            order.push_back(child);
+    }
+    if (int(order.size()) != n)
+        return false;
+    for (auto it = order.rbegin(); it != order.rend(); ++it) {
+        for (const int child : hierarchy.childrenOf(*it))
+            sums[std::size_t(*it)].add(sums[std::size_t(child)]);
+    }
+
+    std::vector<WideFigures> rows(figures.size());
+    for (const auto &entry : selection) {
+        const int row = workOrders.findRow(entry.key);
+        if (row < 0)
+            continue;
+        WideFigures &f = rows[std::size_t(row)];
+        if (const int unit = hierarchy.indexOf(entry.key); unit >= 0) {
+            f.add(sums[std::size_t(unit)]);
+            continue;
+        }
+        // Not a unit of the tree (the root mark, say): its own figures and its children's.
+        WideFigures own;
+        if (const BusinessUnit *bu = bus.Item(entry.key); bu && !own.assign(*bu))
+            return false;
+        f.add(own);
+        for (const int child : hierarchy.children(entry.key))
+            f.add(sums[std::size_t(child)]);
+    }
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        if (rows[row].reached && !rows[row].narrow(figures[row]))
+            return false;
+    }
+    return true;
+}
+
+void fillUnitByUnit(std::vector<RowFigures> &figures, const OutlineGrid &workOrders,
+                    cDLVController &controller, const BusinessUnits &bus,
+                    const StringSet &selection);
+
+} // namespace
+
 void HierarchyGrid::FillFigures(OutlineGrid &workOrders, OutlineGrid &points,
                                 cDLVController &controller, const BusinessUnits &bus,
                                 const StringSet &selection)
 {
     std::vector<RowFigures> figures(std::size_t(workOrders.rowCount()));
+    if (!fillBottomUp(figures, workOrders, controller.Hierarchy(), bus, selection) ||
+        std::any_of(selection.begin(), selection.end(),
+                    [](const auto &entry) { return entry.key.contains(u','); })) {
+        figures.assign(figures.size(), RowFigures{});
+        fillUnitByUnit(figures, workOrders, controller, bus, selection);
+    }
+    for (std::size_t row = 0; row < figures.size(); ++row) {
+        const RowFigures &f = figures[row];
+        if (!f.reached)
+            continue;
+        writeFigures(workOrders, int(row), f, f.workOrders);
+        writeFigures(points, int(row), f, f.points);
+    }
+}
+
+namespace {
+
+// The figures as the rows' units are added one by one, each row over its unit and every
+// descendant in the order of the step-by-step listing.
+void fillUnitByUnit(std::vector<RowFigures> &figures, const OutlineGrid &workOrders,
+                    cDLVController &controller, const BusinessUnits &bus,
+                    const StringSet &selection)
+{
 
     // The descendants come from the controller's children index. Its listing splits ids that
     // hold a comma into pieces; only then is the general GetBUIDList() needed.
@@ -281,15 +416,9 @@ void HierarchyGrid::FillFigures(OutlineGrid &workOrders, OutlineGrid &points,
                 f.add(*bu);
         }
     }
-
-    for (std::size_t row = 0; row < figures.size(); ++row) {
-        const RowFigures &f = figures[row];
-        if (!f.reached)
-            continue;
-        writeFigures(workOrders, int(row), f, f.workOrders);
-        writeFigures(points, int(row), f, f.points);
-    }
 }
+
+} // namespace
 
 void HierarchyGrid::GreyUnreached(OutlineGrid &grid)
 {

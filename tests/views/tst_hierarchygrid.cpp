@@ -1,8 +1,12 @@
+#include "common/conversions.h"
 #include "common/dlverror.h"
 #include "loadedmodel.h"
+#include "model/businessunit.h"
+#include "support/expecterror.h"
 
 #include <QRandomGenerator>
 #include <gtest/gtest.h>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -253,4 +257,118 @@ TEST(HierarchyGridFigures, SumsPastThe32BitRangeRaiseOverflow)
     // The tree stands; the figures were not written.
     EXPECT_EQ(g.workOrders.rowCount(), 5);
     EXPECT_TRUE(g.workOrders.text(3, 1).isEmpty());
+}
+
+// The rows' figures are summed bottom-up once per fill; they must equal adding each unit that the
+// step-by-step listing of the row's unit names, one by one with the 32-bit overflow check, on any
+// tree: deep chains, cycles, ids that differ in case, negative and huge figures.
+TEST(HierarchyGridFigures, BottomUpSumsMatchTheUnitByUnitListingOnRandomData)
+{
+    QRandomGenerator random(20261124);
+    int overflows = 0;
+    for (int trial = 0; trial < 200; ++trial) {
+        SCOPED_TRACE(trial);
+        const int n = 1 + int(random.bounded(60));
+        // Negative figures and cycles only in some trials, so most take the bottom-up way.
+        const bool negatives = random.bounded(4) == 0;
+        const bool cycles = random.bounded(4) == 0;
+        DLVDataBuilder b;
+        b.unit("#", "All", "").jobType("T", "T").jobClass("C", "C");
+        QStringList ids;
+        for (int i = 0; i < n; ++i) {
+            const QString id =
+                (random.bounded(8) == 0 ? QStringLiteral("u%1") : QStringLiteral("U%1")).arg(i);
+            QString parent;
+            switch (random.bounded(8)) {
+            case 0:
+                parent = QStringLiteral("#");
+                break;
+            case 1:
+                parent = QStringLiteral("U%1").arg(random.bounded(cycles ? n : i + 1));
+                break;
+            case 2:
+                parent = QStringLiteral("missing");
+                break;
+            default:
+                parent = i > 0 ? ids.back() : QStringLiteral("#"); // long chains
+            }
+            b.unit(id, id, parent);
+            ids << id;
+            const int kind = int(random.bounded(10));
+            const auto figure = [&] {
+                if (kind == 0 && negatives)
+                    return QString::number(-qint64(random.bounded(50)));
+                if (kind <= 2)
+                    return QString::number(400000000 + random.bounded(100000000));
+                return QString::number(random.bounded(100));
+            };
+            if (random.bounded(4) != 0)
+                b.general(id, id, figure(), figure(), figure());
+            if (random.bounded(3) != 0)
+                b.detail(id, "T", "C", {figure(), figure(), figure(), figure(), figure()});
+        }
+        QStringList selection;
+        for (const QString &id : ids) {
+            if (random.bounded(3) == 0)
+                selection << id;
+        }
+        selection << QStringLiteral("#") << QStringLiteral("ghost");
+        LoadedModel model(b);
+
+        // The expected figures, unit by unit, or the overflow.
+        std::map<QString, std::vector<qint32>> expected;
+        bool overflow = false;
+        try {
+            for (const QString &key : selection) {
+                std::vector<qint32> sums(17, 0);
+                bool reached = false;
+                for (const auto &id : model.controller.GetBUIDList(key)) {
+                    const BusinessUnit *bu = model.controller.BUs().Item(id.key);
+                    if (!bu)
+                        continue;
+                    reached = true;
+                    const auto &totals = bu->GrandTotals();
+                    const qint32 own[17] = {bu->TechCount(),   bu->HoursRemaining(),
+                                            bu->HoursWorked(), totals[0],
+                                            totals[1],         totals[2],
+                                            totals[3],         totals[4],
+                                            totals[5],         totals[6],
+                                            totals[7],         totals[8],
+                                            totals[9],         totals[10],
+                                            totals[11],        totals[12],
+                                            totals[13]};
+                    for (int i = 0; i < 17; ++i)
+                        sums[std::size_t(i)] = Conv::addChecked(sums[std::size_t(i)], own[i]);
+                }
+                if (reached)
+                    expected[key] = sums;
+            }
+        } catch (const DLVError &e) {
+            ASSERT_EQ(e.number(), DLVError::Overflow);
+            overflow = true;
+        }
+        Grids g;
+        if (overflow) {
+            ++overflows;
+            EXPECT_EQ(thrownNumber([&] { g.fill(model, selection); }), DLVError::Overflow);
+            continue;
+        }
+        ASSERT_EQ(thrownNumber([&] { g.fill(model, selection); }), 0);
+        for (int row = 2; row < g.workOrders.rowCount(); ++row) {
+            const QString key = g.workOrders.rowData(row);
+            const auto it = expected.find(key);
+            if (it == expected.end()) {
+                EXPECT_TRUE(g.workOrders.text(row, 1).isEmpty()) << key.toStdString();
+                continue;
+            }
+            const std::vector<qint32> &e = it->second;
+            for (int c = 0; c < 3; ++c)
+                EXPECT_EQ(g.workOrders.text(row, 1 + c).toInt(), e[std::size_t(c)]);
+            for (int s = 0; s < 7; ++s) {
+                EXPECT_EQ(g.workOrders.text(row, 4 + s).toInt(), e[std::size_t(3 + s)]);
+                EXPECT_EQ(g.points.text(row, 4 + s).toInt(), e[std::size_t(10 + s)]);
+            }
+        }
+    }
+    EXPECT_GT(overflows, 10); // the data reach the overflow often enough to compare it too
 }
