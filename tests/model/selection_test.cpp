@@ -1,6 +1,8 @@
 // Selection lists: descendants from the parent map, list-view selections and aggregate sets.
 #include "model/controllerfixture.h"
 
+#include <QRandomGenerator>
+#include <QStringList>
 #include <gtest/gtest.h>
 
 namespace {
@@ -143,3 +145,51 @@ TEST_F(SelectionTest, HierarchyIndexServesTheTreeBuild)
 }
 
 } // namespace
+
+TEST(SelectionAggregate, EqualsTheJoinedDescendantListsOnRandomTrees)
+{
+    // The aggregate set is every selected unit's own list (the unit, then its descendants) joined
+    // in selection order, each id once: whatever the shape (chains, cycles, self-parents, orphans,
+    // ids differing only in case, commas) and however the selections overlap.
+    QRandomGenerator random(7321);
+    for (int trial = 0; trial < 200; ++trial) {
+        SCOPED_TRACE(trial);
+        const bool chain = trial % 4 == 0;
+        const int n = chain ? 100 + int(random.bounded(200)) : 1 + int(random.bounded(30));
+        QStringList units;
+        for (int i = 0; i < n; ++i) {
+            const quint32 kind = random.bounded(20);
+            units << (kind == 0                     ? QStringLiteral("u%1")
+                      : kind == 1 && trial % 3 == 1 ? QStringLiteral("U%1,x")
+                                                    : QStringLiteral("U%1"))
+                         .arg(chain ? i : int(random.bounded(n + 3)));
+        }
+        units.removeDuplicates();
+        DLVDataBuilder builder;
+        for (int i = 0; i < units.size(); ++i) {
+            const quint32 kind = random.bounded(10);
+            const QString parent = chain && kind > 1 ? (i ? units[i - 1] : QStringLiteral("#"))
+                                   : kind == 0       ? units[i]
+                                   : kind == 1       ? QStringLiteral("nowhere")
+                                   : kind < 4        ? QStringLiteral("#")
+                                                     : units[int(random.bounded(units.size()))];
+            builder.unit(units[i], "d", parent);
+        }
+        ControllerRig rig;
+        rig.load(builder);
+        const int items = int(random.bounded(8)) + (chain ? units.size() : 0);
+        for (int k = 0; k < items; ++k) {
+            const quint32 kind = random.bounded(12);
+            const QString id = kind == 0   ? QStringLiteral("#")
+                               : kind == 1 ? QStringLiteral("ghost")
+                                           : units[int(random.bounded(units.size()))];
+            rig.surface.addItem(id, random.bounded(5) != 0);
+        }
+        StringSet expected(KeyCompare::Exact);
+        for (const auto &[key, selected] : rig.surface.items)
+            if (selected)
+                for (const auto &entry : rig.controller.GetBUIDList(key.mid(1)))
+                    expected.addIfAbsent(entry.key, entry.key);
+        ASSERT_EQ(rig.controller.GetAggregateBUList().keys(), expected.keys());
+    }
+}
