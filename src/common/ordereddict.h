@@ -169,6 +169,11 @@ private:
             const qsizetype n = key.size();
             for (qsizetype i = 0; i < n; ++i) {
                 char32_t cp = key[i].unicode();
+                if (cp < 0x80) { // ASCII folds to lower case: skip the Unicode tables
+                    h ^= cp >= u'A' && cp <= u'Z' ? cp + (u'a' - u'A') : cp;
+                    h *= 1099511628211ull;
+                    continue;
+                }
                 if (QChar::isHighSurrogate(cp) && i + 1 < n && key[i + 1].isLowSurrogate()) {
                     cp = QChar::surrogateToUcs4(key[i], key[i + 1]);
                     ++i;
@@ -189,6 +194,8 @@ private:
         KeyCompare compare = KeyCompare::Exact;
         bool operator()(QStringView a, QStringView b) const noexcept
         {
+            if (a == b) // hosts send one spelling: the exact compare settles most lookups
+                return true;
             return a.compare(b, compare == KeyCompare::Exact ? Qt::CaseSensitive
                                                              : Qt::CaseInsensitive) == 0;
         }

@@ -16,6 +16,8 @@ TEST(OrderedDict, LooksUpByModeWithoutThrowing)
         {"SameKey", QStringLiteral("BU12"), QStringLiteral("BU12"), true, true},
         {"OtherCase", QStringLiteral("WoInst"), QStringLiteral("wOiNST"), false, true},
         {"Accented", QStringLiteral("Ñandú"), QStringLiteral("ñANDÚ"), false, true},
+        // A letter outside ASCII whose fold is an ASCII letter (Kelvin sign, U+212A -> k).
+        {"FoldsToAscii", QStringLiteral("\u212A1"), QStringLiteral("k1"), false, true},
         {"Prefix", QStringLiteral("abc"), QStringLiteral("ab"), false, false},
         {"EmptyVsBlank", QString(), QStringLiteral(" "), false, false},
         // Letters outside the BMP fold as whole code points (U+10400 / U+10428).
