@@ -5,6 +5,7 @@
 #include "control/dlviewer_p.h"
 #include "control/livecues.h"
 #include "control/profilehostadapter.h"
+#include "control/unitlistpane.h"
 #include "model/cdlvcontroller.h"
 #include "profiles/profiledialoghost.h"
 #include "profiles/profileexchange.h"
@@ -192,6 +193,8 @@ void DLViewerPrivate::createWidgets()
     lvBU->setUniformRowHeights(true);
     lvBU->setColumnCount(1);
     lblBUName->setBuddy(lvBU);
+    unitList =
+        new UnitListPane(fraSelection, lvBU, [this](const QString &key) { return caption(key); });
 
     fraStatus = new QFrame(fraDLV);
     fraStatus->setObjectName(QStringLiteral("fraStatus"));
@@ -339,17 +342,17 @@ void DLViewerPrivate::relayoutTopRow()
 
 int DLViewerPrivate::buListCount() const
 {
-    return lvBU->topLevelItemCount();
+    return unitList->count();
 }
 
 QString DLViewerPrivate::buListKey(int index) const
 {
-    return lvBU->topLevelItem(index)->data(0, Qt::UserRole).toString();
+    return unitList->key(index);
 }
 
 bool DLViewerPrivate::buListSelected(int index) const
 {
-    return lvBU->topLevelItem(index)->isSelected();
+    return unitList->isSelected(index);
 }
 
 // --- ErrorReporter
@@ -413,6 +416,7 @@ void DLViewerPrivate::setHourglass(bool busy)
 
 void DLViewerPrivate::SetCaptions()
 {
+    unitList->setCaptions();
     btnSaveGrid->setToolTip(caption(QStringLiteral("SaveGrid")));
     btnSaveGrid->setText(btnSaveGrid->toolTip());
     btnPrintGrid->setToolTip(caption(QStringLiteral("PrintGrid")));
@@ -574,8 +578,8 @@ void DLViewer::ResizeControls()
     d->lblBUName->setGeometry(sel.left() + 6, labelTop, sel.width() - 12,
                               d->lblBUName->sizeHint().height());
     const int listTop = d->lblBUName->geometry().bottom() + 4;
-    d->lvBU->setGeometry(sel.left() + 6, listTop, sel.width() - 12,
-                         std::max(40, sel.bottom() - listTop - 6));
+    d->unitList->layout(
+        QRect(sel.left() + 6, listTop, sel.width() - 12, std::max(40, sel.bottom() - listTop - 6)));
 
     const int right = kMargin + selectionWidth + 6;
     const int rightWidth = std::max(100, w - right - kMargin);
@@ -746,4 +750,15 @@ void DLViewerPrivate::layoutGrids()
         vsFlex[i]->setGeometry(inner.left() + 2, gridTop[i], inner.width() - 4,
                                std::max(40, inner.bottom() - gridTop[i] - 2));
     }
+}
+
+void DLViewer::SetUnitTreeShown(bool on)
+{
+    d->unitList->setTreeShown(on);
+    ResizeControls(); // the filter row takes room from the list, or gives it back
+}
+
+bool DLViewer::UnitTreeShown() const
+{
+    return d->unitList->treeShown();
 }

@@ -84,6 +84,12 @@ public:
     /// whose rate so far is below the rate required for the open work.
     void SetExceptionsShown(bool on);
     [[nodiscard]] bool ExceptionsShown() const;
+    /// The unit list as a tree: units indented under their listed parents with a check box
+    /// that mirrors the choice, a filter box that narrows the list by name, and buttons that
+    /// choose every shown unit or none; a click (or Space) toggles a unit. Which units are
+    /// chosen, and what the control does with them, stays the same either way.
+    void SetUnitTreeShown(bool on);
+    [[nodiscard]] bool UnitTreeShown() const;
     /// The panel's figures after each refresh of the current day, oldest first (kept always,
     /// bounded, cleared when a refresh of a new day arrives). PanelTrendChanged() tells of a new
     /// point.

@@ -35,6 +35,7 @@ class ProfileHostAdapter;
 class ProfileMenu;
 class cDLVController;
 class LiveCues;
+class UnitListPane;
 class BusinessUnits;
 
 /// The control's private side: its child widgets, the members it keeps, and the surface the data
@@ -134,6 +135,8 @@ public:
     /// What the grids sum, for telling a refresh from a change of the chosen units.
     [[nodiscard]] QString selectionContext() const;
     std::unique_ptr<LiveCues> liveCues;
+    /// lvBU's items in list order and its optional tree presentation (owned by fraSelection).
+    UnitListPane *unitList = nullptr;
     QLabel *lblFreshness = nullptr;
     /// The mouse button of the last mouse-button event on a grid (1 left, 2 right, 4 middle).
     qint16 lastMouseButton = 0;

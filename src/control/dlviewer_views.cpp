@@ -4,9 +4,9 @@
 // keeps the order in which a data message refreshes the hierarchy, the unit list and the summary.
 
 #include "common/conversions.h"
-#include "common/displaytext.h"
 #include "control/dlviewer_p.h"
 #include "control/livecues.h"
+#include "control/unitlistpane.h"
 #include "model/cdlvcontroller.h"
 #include "model/errortrap.h"
 #include "views/buselection.h"
@@ -134,7 +134,7 @@ void DLViewerPrivate::ShowBUs(BusinessUnits &bus)
     PanelValues panel;
     const bool done = ErrorTrap::run(this, kShowBUs, [&] {
         mDLV->SingleBUGridBusy = true;
-        if (lvBU->topLevelItemCount() > 0) {
+        if (buListCount() > 0) {
             currentSelection = mDLV->GetBUList();
             currentBUSet = optBU[0]->isChecked() ? currentSelection : mDLV->GetAggregateBUList();
         }
@@ -217,41 +217,10 @@ void DLViewerPrivate::LoadBUListView()
         return;
     const StringSet kept = mDLV->GetBUList();
     static const StringSet noSession;
-    const std::vector<BUSelection::Item> items = BUSelection::listItems(
+    std::vector<BUSelection::Item> items = BUSelection::listItems(
         grids[1], sessionBUs ? *sessionBUs : noSession, mDLV->BUDescriptions());
 
-    lvBU->clear();
-    lvBU->setColumnCount(1);
-    lvBU->setColumnWidth(0, std::max(0, lvBU->width() - 21));
-    QList<QTreeWidgetItem *> widgets;
-    widgets.reserve(qsizetype(items.size()));
-    for (const BUSelection::Item &item : items) {
-        auto *widget = new QTreeWidgetItem(QStringList{DisplayText::shown(item.text)});
-        widget->setData(0, Qt::UserRole, item.key);
-        if (DisplayText::isCut(item.text))
-            widget->setToolTip(0, DisplayText::toolTip(item.text));
-        widgets.push_back(widget);
-    }
-    lvBU->addTopLevelItems(widgets); // the list view takes ownership
-
-    // The user's choice survives a refresh: reselect the ids that were selected, one range per
-    // run of neighbours (one selection change however long the list).
-    QItemSelection selection;
-    const QAbstractItemModel *model = lvBU->model();
-    int runStart = -1;
-    const int count = int(items.size());
-    for (int i = 0; i <= count; ++i) {
-        const bool selected =
-            i < count && kept.contains(QStringView(items[std::size_t(i)].key).mid(1));
-        if (selected && runStart < 0)
-            runStart = i;
-        if (!selected && runStart >= 0) {
-            selection.select(model->index(runStart, 0), model->index(i - 1, 0));
-            runStart = -1;
-        }
-    }
-    if (!selection.isEmpty())
-        lvBU->selectionModel()->select(selection, QItemSelectionModel::Select);
+    unitList->fill(std::move(items), [&kept](QStringView id) { return kept.contains(id); });
 }
 
 void DLViewerPrivate::cmdView_Click()

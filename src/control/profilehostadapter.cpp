@@ -2,6 +2,7 @@
 
 #include "common/displaytext.h"
 #include "control/dlviewer_p.h"
+#include "control/unitlistpane.h"
 #include "model/cdlvcontroller.h"
 #include "ui/captioncatalogue.h"
 
@@ -81,7 +82,7 @@ void ProfileHostAdapter::setDisplayByWorkOrders(bool first)
 
 int ProfileHostAdapter::buItemCount() const
 {
-    return d.lvBU->topLevelItemCount();
+    return d.buListCount();
 }
 
 QString ProfileHostAdapter::buItemKey(int index) const
@@ -91,7 +92,7 @@ QString ProfileHostAdapter::buItemKey(int index) const
 
 void ProfileHostAdapter::setBUItemSelected(int index, bool selected)
 {
-    d.lvBU->topLevelItem(index)->setSelected(selected);
+    d.unitList->setSelected(index, selected);
 }
 
 bool ProfileHostAdapter::hierarchyGridsFilled() const

@@ -7,7 +7,6 @@
 
 #include <QCoreApplication>
 #include <QVariant>
-
 #include <limits>
 #include <optional>
 

@@ -160,6 +160,9 @@ const QStringList &CaptionCatalogue::knownKeys()
         QStringLiteral("FreshnessAge"), QStringLiteral("FreshnessNext"),
         QStringLiteral("FreshnessDue"), QStringLiteral("FreshnessOverdue"),
         QStringLiteral("FreshnessStopped"),
+        // unit list as a tree
+        QStringLiteral("UnitFilter"), QStringLiteral("SelectAllUnits"),
+        QStringLiteral("SelectNoUnits"),
         // grid headers
         QStringLiteral("JobTypesAndJobClasses"), QStringLiteral("Open"), QStringLiteral("Warning"),
         QStringLiteral("Jeopardy"), QStringLiteral("Late"), QStringLiteral("Completed"),

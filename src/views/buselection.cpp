@@ -15,9 +15,39 @@ std::vector<BUSelection::Item> BUSelection::listItems(const OutlineGrid &workOrd
         if (id == HierarchyGrid::RootKey || !sessionBUs.contains(id))
             continue;
         const QString *text = buDescriptions.find(id);
-        items.push_back(Item{QStringLiteral("_") + id, text ? *text : QString()});
+        items.push_back(Item{QStringLiteral("_") + id, text ? *text : QString(),
+                             workOrderGrid.outlineLevel(row)});
     }
     return items;
+}
+
+std::vector<int> BUSelection::treeParents(const std::vector<Item> &items)
+{
+    std::vector<int> parents(items.size(), -1);
+    std::vector<int> open; // the chain of items that later ones may hang under
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        while (!open.empty() && items[std::size_t(open.back())].level >= items[i].level)
+            open.pop_back();
+        parents[i] = open.empty() ? -1 : open.back();
+        open.push_back(int(i));
+    }
+    return parents;
+}
+
+std::vector<char> BUSelection::filterMatches(const std::vector<Item> &items,
+                                             const std::vector<int> &parents, QStringView filter)
+{
+    std::vector<char> visible(items.size(), filter.isEmpty() ? 1 : 0);
+    if (filter.isEmpty())
+        return visible;
+    // Children come after their parents: going backwards, a match is known before its parent.
+    for (std::size_t i = items.size(); i-- > 0;) {
+        if (!visible[i] && items[i].text.contains(filter, Qt::CaseInsensitive))
+            visible[i] = 1;
+        if (visible[i] && parents[i] >= 0)
+            visible[std::size_t(parents[i])] = 1;
+    }
+    return visible;
 }
 
 QString BUSelection::joined(const StringSet &ids)

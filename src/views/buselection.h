@@ -15,8 +15,9 @@ class BUSelection
 public:
     struct Item
     {
-        QString key;  ///< "_" followed by the unit id
-        QString text; ///< the unit's description
+        QString key;   ///< "_" followed by the unit id
+        QString text;  ///< the unit's description
+        int level = 0; ///< outline level of the unit's row in the hierarchy
     };
 
     /// Walks the hierarchy grid's rows from row 2 in tree order and lists every row whose row data
@@ -24,6 +25,16 @@ public:
     [[nodiscard]] static std::vector<Item> listItems(const OutlineGrid &workOrderGrid,
                                                      const StringSet &sessionBUs,
                                                      const StringSet &buDescriptions);
+
+    /// For the list shown as a tree: each item's parent item, the nearest item above it in the
+    /// list with a lower level (a unit whose listed ancestors are all outside the session hangs
+    /// at the top), or -1.
+    [[nodiscard]] static std::vector<int> treeParents(const std::vector<Item> &items);
+    /// Which items a filter leaves visible: those whose text holds it (ignoring case) and every
+    /// item above one of them, so that a match is seen where it sits. All for an empty filter.
+    [[nodiscard]] static std::vector<char> filterMatches(const std::vector<Item> &items,
+                                                         const std::vector<int> &parents,
+                                                         QStringView filter);
 
     /// The id of a list key (the key less its first character).
     [[nodiscard]] static QString idOfKey(const QString &key) { return key.mid(1); }

@@ -2,6 +2,7 @@
 
 #include "control/dlviewer.h"
 #include "control/dlviewer_p.h"
+#include "control/unitlistpane.h"
 #include "model/dlvdatabuilder.h"
 #include "scriptedhost.h"
 #include "support/recordingdialoghost.h"
@@ -98,8 +99,8 @@ protected:
     QStringList listKeys(bool selectedOnly)
     {
         QStringList out;
-        for (int i = 0; i < d().lvBU->topLevelItemCount(); ++i)
-            if (!selectedOnly || d().lvBU->topLevelItem(i)->isSelected())
+        for (int i = 0; i < d().buListCount(); ++i)
+            if (!selectedOnly || d().buListSelected(i))
                 out << d().buListKey(i);
         return out;
     }
@@ -107,9 +108,8 @@ protected:
     /// Selects exactly the unit-list entries whose keys are given ("_" and the unit id).
     void select(const QStringList &keys)
     {
-        QTreeWidget *list = d().lvBU;
-        for (int i = 0; i < list->topLevelItemCount(); ++i)
-            list->topLevelItem(i)->setSelected(keys.contains(d().buListKey(i)));
+        for (int i = 0; i < d().buListCount(); ++i)
+            d().unitList->setSelected(i, keys.contains(d().buListKey(i)));
     }
 
     template <typename T = QWidget> T *child(const char *name)

@@ -2,7 +2,9 @@
 #include "model/cdlvcontroller.h"
 #include "views/outlinegrid.h"
 
+#include <QLineEdit>
 #include <QPushButton>
+#include <QTest>
 #include <string>
 #include <vector>
 
@@ -181,5 +183,47 @@ TEST_F(DLViewerViews, TheRootIsNoUnitToPickAndGoesWhenNoUnitStays)
     for (int g = 1; g <= 2; ++g)
         EXPECT_EQ(d().grids[std::size_t(g)].rowCount(), 2) << g;
     EXPECT_TRUE(listKeys(false).isEmpty());
+    EXPECT_TRUE(dialogs->calls.empty());
+}
+
+TEST_F(DLViewerViews, TheUnitTreeShowsTheSameChoiceIndentedWithChecksAndAFilter)
+{
+    start(regions(), {"R1", "C1", "R2", "C2"});
+    select({"_C1", "_R2"});
+    viewer->SetUnitTreeShown(true);
+    QTreeWidget *list = d().lvBU;
+    // Indented under the listed parents, in the same list order, with the choice kept.
+    ASSERT_EQ(list->topLevelItemCount(), 2);
+    EXPECT_EQ(list->topLevelItem(0)->child(0)->data(0, Qt::UserRole).toString(), "_C1");
+    EXPECT_EQ(listKeys(false), (QStringList{"_R1", "_C1", "_R2", "_C2"}));
+    EXPECT_EQ(listKeys(true), (QStringList{"_C1", "_R2"}));
+    EXPECT_EQ(list->topLevelItem(0)->child(0)->checkState(0), Qt::Checked);
+    EXPECT_EQ(list->topLevelItem(0)->checkState(0), Qt::Unchecked);
+
+    // A click toggles a unit without touching the others; the View button sums the choice.
+    list->setCurrentItem(list->topLevelItem(0), 0, QItemSelectionModel::NoUpdate);
+    QTest::keyClick(list, Qt::Key_Space);
+    EXPECT_EQ(listKeys(true), (QStringList{"_R1", "_C1", "_R2"}));
+    EXPECT_EQ(list->topLevelItem(0)->checkState(0), Qt::Checked);
+    child<QPushButton>("cmdView")->click();
+    EXPECT_EQ(figure("lblTechCount"), "7"); // R1 1, C1 2, R2 4
+    EXPECT_EQ(d().currentSelection.keys(), (std::vector<QString>{"R1", "C1", "R2"}));
+
+    // The filter narrows what is shown, not what is chosen; "all" takes the shown units only.
+    child<QPushButton>("cmdSelectNone")->click();
+    EXPECT_TRUE(listKeys(true).isEmpty());
+    child<QLineEdit>("txtBUFilter")->setText("city 2");
+    EXPECT_FALSE(list->topLevelItem(1)->isHidden()); // Region 2 leads the way to City 2
+    EXPECT_TRUE(list->topLevelItem(0)->isHidden());
+    child<QPushButton>("cmdSelectAll")->click();
+    EXPECT_EQ(listKeys(true), (QStringList{"_R2", "_C2"}));
+
+    // Back to the flat list: same items, same choice, no checks, no filter.
+    viewer->SetUnitTreeShown(false);
+    EXPECT_EQ(list->topLevelItemCount(), 4);
+    EXPECT_EQ(listKeys(true), (QStringList{"_R2", "_C2"}));
+    EXPECT_FALSE(list->topLevelItem(0)->data(0, Qt::CheckStateRole).isValid());
+    EXPECT_FALSE(list->topLevelItem(0)->isHidden());
+    EXPECT_FALSE(child<QLineEdit>("txtBUFilter")->isVisible());
     EXPECT_TRUE(dialogs->calls.empty());
 }

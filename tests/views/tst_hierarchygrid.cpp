@@ -3,6 +3,7 @@
 #include "loadedmodel.h"
 #include "model/businessunit.h"
 #include "support/expecterror.h"
+#include "views/buselection.h"
 
 #include <QRandomGenerator>
 #include <gtest/gtest.h>
@@ -371,4 +372,31 @@ TEST(HierarchyGridFigures, BottomUpSumsMatchTheUnitByUnitListingOnRandomData)
         }
     }
     EXPECT_GT(overflows, 10); // the data reach the overflow often enough to compare it too
+}
+
+// The unit list as a tree: where each listed unit hangs, and what a filter leaves visible.
+TEST(UnitListTree, ItemsHangUnderTheirNearestListedAncestorAndFiltersKeepTheWayToAMatch)
+{
+    // Levels of a list in tree order; the session lacks the level-2 parent of "d".
+    const std::vector<BUSelection::Item> items = {
+        {"_a", "North", 1}, {"_b", "Alpha crew", 2}, {"_c", "Beta crew", 3},
+        {"_d", "Delta", 3}, {"_e", "South", 1},      {"_f", "Gamma CREW", 2},
+    };
+    const std::vector<int> parents = BUSelection::treeParents(items);
+    EXPECT_EQ(parents, (std::vector<int>{-1, 0, 1, 1, -1, 4}));
+    const struct
+    {
+        const char *filter;
+        std::vector<char> visible;
+    } cases[] = {
+        {"", {1, 1, 1, 1, 1, 1}},
+        {"crew", {1, 1, 1, 0, 1, 1}}, // case-blind; parents of matches stay
+        {"delta", {1, 1, 0, 1, 0, 0}},
+        {"south", {0, 0, 0, 0, 1, 0}},
+        {"nobody", {0, 0, 0, 0, 0, 0}},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(BUSelection::filterMatches(items, parents, QString::fromLatin1(c.filter)),
+                  c.visible)
+            << c.filter;
 }

@@ -1,0 +1,182 @@
+#include "control/unitlistpane.h"
+
+#include "common/displaytext.h"
+
+#include <QItemSelection>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRect>
+#include <QTreeWidget>
+#include <algorithm>
+
+UnitListPane::UnitListPane(QWidget *frame, QTreeWidget *list, CaptionLookup caption)
+    : QObject(frame), m_list(list), m_filter(new QLineEdit(frame)), m_all(new QPushButton(frame)),
+      m_none(new QPushButton(frame)), m_caption(std::move(caption))
+{
+    m_filter->setObjectName(QStringLiteral("txtBUFilter"));
+    m_filter->setClearButtonEnabled(true);
+    m_all->setObjectName(QStringLiteral("cmdSelectAll"));
+    m_none->setObjectName(QStringLiteral("cmdSelectNone"));
+    for (QWidget *w : std::initializer_list<QWidget *>{m_filter, m_all, m_none})
+        w->hide();
+    connect(m_filter, &QLineEdit::textChanged, this, &UnitListPane::applyFilter);
+    connect(m_all, &QPushButton::clicked, this, &UnitListPane::selectAllShown);
+    connect(m_none, &QPushButton::clicked, this, &UnitListPane::selectNone);
+    connect(m_list, &QTreeWidget::itemSelectionChanged, this, &UnitListPane::syncChecks);
+}
+
+UnitListPane::~UnitListPane() = default;
+
+bool UnitListPane::isSelected(int index) const
+{
+    return m_widgets[std::size_t(index)]->isSelected();
+}
+
+void UnitListPane::setSelected(int index, bool selected)
+{
+    m_widgets[std::size_t(index)]->setSelected(selected);
+}
+
+void UnitListPane::fill(std::vector<BUSelection::Item> items,
+                        const std::function<bool(QStringView)> &keep)
+{
+    m_items = std::move(items);
+    m_parents = BUSelection::treeParents(m_items);
+    rebuild();
+
+    // The user's choice survives a refresh: one selection change however long the list.
+    QItemSelection selection;
+    const QAbstractItemModel *model = m_list->model();
+    std::vector<QModelIndex> &indexes = m_indexes;
+    indexes.assign(m_widgets.size(), QModelIndex());
+    std::vector<int> childRows(m_widgets.size() + 1, 0); // next row under each item; last: top
+    for (std::size_t i = 0; i < m_widgets.size(); ++i) {
+        const int parent = m_treeShown ? m_parents[i] : -1;
+        const std::size_t slot = parent < 0 ? m_widgets.size() : std::size_t(parent);
+        indexes[i] = model->index(childRows[slot]++, 0,
+                                  parent < 0 ? QModelIndex() : indexes[std::size_t(parent)]);
+        if (keep(QStringView(m_items[i].key).mid(1)))
+            selection.select(indexes[i], indexes[i]);
+    }
+    if (!selection.isEmpty())
+        m_list->selectionModel()->select(selection, QItemSelectionModel::Select);
+    syncChecks();
+    applyFilter();
+}
+
+void UnitListPane::rebuild()
+{
+    m_syncing = true;
+    m_list->clear();
+    m_list->setColumnCount(1);
+    m_list->setColumnWidth(0, std::max(0, m_list->width() - 21));
+    m_widgets.clear();
+    m_widgets.reserve(m_items.size());
+    QList<QTreeWidgetItem *> top;
+    for (std::size_t i = 0; i < m_items.size(); ++i) {
+        const BUSelection::Item &item = m_items[i];
+        auto *widget = new QTreeWidgetItem(QStringList{DisplayText::shown(item.text)});
+        widget->setData(0, Qt::UserRole, item.key);
+        // The check box only shows the choice: a click or Space toggles the choice itself, so
+        // the box must not take the click for its own.
+        widget->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
+        if (DisplayText::isCut(item.text))
+            widget->setToolTip(0, DisplayText::toolTip(item.text));
+        const int parent = m_treeShown ? m_parents[i] : -1;
+        if (parent >= 0)
+            m_widgets[std::size_t(parent)]->addChild(widget); // the parent owns it
+        else
+            top.push_back(widget);
+        m_widgets.push_back(widget);
+    }
+    m_list->addTopLevelItems(top); // the list takes ownership
+    if (m_treeShown)
+        m_list->expandAll();
+    m_syncing = false;
+}
+
+void UnitListPane::setTreeShown(bool on)
+{
+    if (on == m_treeShown)
+        return;
+    std::vector<char> selected(m_widgets.size());
+    for (std::size_t i = 0; i < m_widgets.size(); ++i)
+        selected[i] = m_widgets[i]->isSelected();
+    m_treeShown = on;
+    m_list->setRootIsDecorated(on);
+    // In the tree a click toggles a unit, as a check box would; the flat list keeps the usual
+    // extended selection.
+    m_list->setSelectionMode(on ? QAbstractItemView::MultiSelection
+                                : QAbstractItemView::ExtendedSelection);
+    for (QWidget *w : std::initializer_list<QWidget *>{m_filter, m_all, m_none})
+        w->setVisible(on);
+    if (!on)
+        m_filter->clear();
+    std::size_t i = 0;
+    fill(std::move(m_items), [&](QStringView) { return selected[i++] != 0; });
+}
+
+void UnitListPane::setFilter(const QString &text)
+{
+    m_filter->setText(text);
+}
+
+void UnitListPane::applyFilter()
+{
+    const QString filter = m_treeShown ? m_filter->text().trimmed() : QString();
+    const std::vector<char> visible = BUSelection::filterMatches(m_items, m_parents, filter);
+    for (std::size_t i = 0; i < m_widgets.size(); ++i)
+        m_widgets[i]->setHidden(!visible[i]);
+}
+
+void UnitListPane::syncChecks()
+{
+    if (m_syncing)
+        return;
+    m_syncing = true;
+    for (QTreeWidgetItem *widget : m_widgets) {
+        if (m_treeShown)
+            widget->setCheckState(0, widget->isSelected() ? Qt::Checked : Qt::Unchecked);
+        else if (widget->data(0, Qt::CheckStateRole).isValid())
+            widget->setData(0, Qt::CheckStateRole, QVariant());
+    }
+    m_syncing = false;
+}
+
+void UnitListPane::selectAllShown()
+{
+    QItemSelection selection;
+    for (std::size_t i = 0; i < m_widgets.size(); ++i) {
+        if (!m_widgets[i]->isHidden())
+            selection.select(m_indexes[i], m_indexes[i]);
+    }
+    m_list->selectionModel()->select(selection, QItemSelectionModel::Select);
+}
+
+void UnitListPane::selectNone()
+{
+    m_list->clearSelection();
+}
+
+void UnitListPane::setCaptions()
+{
+    m_filter->setPlaceholderText(m_caption(QStringLiteral("UnitFilter")));
+    m_all->setText(m_caption(QStringLiteral("SelectAllUnits")));
+    m_none->setText(m_caption(QStringLiteral("SelectNoUnits")));
+}
+
+void UnitListPane::layout(const QRect &area)
+{
+    int top = area.top();
+    if (m_treeShown) {
+        const int h = m_filter->sizeHint().height();
+        m_filter->setGeometry(area.left(), top, area.width(), h);
+        top += h + 4;
+        const int bh = m_all->sizeHint().height();
+        const int half = (area.width() - 4) / 2;
+        m_all->setGeometry(area.left(), top, half, bh);
+        m_none->setGeometry(area.left() + half + 4, top, area.width() - half - 4, bh);
+        top += bh + 4;
+    }
+    m_list->setGeometry(area.left(), top, area.width(), std::max(40, area.bottom() - top));
+}

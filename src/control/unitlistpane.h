@@ -1,0 +1,70 @@
+#pragma once
+
+#include "views/buselection.h"
+
+#include <QModelIndex>
+#include <QObject>
+#include <QString>
+#include <functional>
+#include <vector>
+
+class QLineEdit;
+class QPushButton;
+class QRect;
+class QTreeWidget;
+class QTreeWidgetItem;
+class QWidget;
+
+/// The unit list lvBU and its optional tree presentation. The list's items, in list order, are
+/// what the selection rules read (count, key, selected), whichever way they are shown: flat, as
+/// the control always showed them, or (with the tree option) indented under their listed
+/// parents with a check box that mirrors the selection, a filter box that narrows the list by
+/// name, and buttons that select every shown unit or none. Clicking a unit in the tree toggles
+/// it; Space does the same for the current unit. Widgets are children of the selection frame.
+class UnitListPane final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(UnitListPane)
+
+public:
+    using CaptionLookup = std::function<QString(const QString &)>;
+
+    UnitListPane(QWidget *frame, QTreeWidget *list, CaptionLookup caption);
+    ~UnitListPane() override;
+
+    /// Replaces the items; keys whose id is in keep are selected again.
+    void fill(std::vector<BUSelection::Item> items, const std::function<bool(QStringView)> &keep);
+
+    [[nodiscard]] int count() const { return int(m_widgets.size()); }
+    [[nodiscard]] const QString &key(int index) const { return m_items[std::size_t(index)].key; }
+    [[nodiscard]] bool isSelected(int index) const;
+    void setSelected(int index, bool selected);
+
+    void setTreeShown(bool on);
+    [[nodiscard]] bool treeShown() const { return m_treeShown; }
+    /// The filter text (narrows the tree only).
+    void setFilter(const QString &text);
+    void selectAllShown();
+    void selectNone();
+
+    void setCaptions();
+    /// Places the filter row (when shown) and the list in the rectangle below the list's label.
+    void layout(const QRect &area);
+
+private:
+    void rebuild();
+    void applyFilter();
+    void syncChecks();
+
+    QTreeWidget *m_list;
+    QLineEdit *m_filter;
+    QPushButton *m_all;
+    QPushButton *m_none;
+    CaptionLookup m_caption;
+    std::vector<BUSelection::Item> m_items;
+    std::vector<int> m_parents;
+    std::vector<QTreeWidgetItem *> m_widgets; ///< owned by the list, in list order
+    std::vector<QModelIndex> m_indexes;       ///< the items' indexes until the next fill
+    bool m_treeShown = false;
+    bool m_syncing = false;
+};
