@@ -79,6 +79,9 @@ struct Parser
     QCommandLineOption exceptions{QStringLiteral("exceptions"),
                                   QStringLiteral("Colour jeopardy, late and rates below the "
                                                  "required rate.")};
+    QCommandLineOption unitTree{QStringLiteral("unit-tree"),
+                                QStringLiteral("Show the unit list as a tree with check boxes and "
+                                               "a filter.")};
     QCommandLineOption trend{QStringLiteral("trend"),
                              QStringLiteral("Open the chart of today's current and required "
                                             "rates.")};
@@ -97,7 +100,7 @@ struct Parser
                            "the first complete fill.\nExit status: 0 success, 1 an output "
                            "failed, 2 bad arguments, 3 unreadable or invalid data document."));
         parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-        parser.addOptions({maxDocument});
+        parser.addOptions({maxDocument, unitTree});
         parser.addOptions({data,       lang,     user,       profiles, sessionUnits, refresh,
                            seed,       select,   aggregate,  display,  tab,          profile,
                            exportCsv,  printPdf, screenshot, panel,    freshness,    changeCues,
@@ -276,6 +279,7 @@ HostOptions HostOptions::parse(const QStringList &arguments)
     o.freshness = p.parser.isSet(p.freshness);
     o.changeCues = p.parser.isSet(p.changeCues);
     o.exceptions = p.parser.isSet(p.exceptions);
+    o.unitTree = p.parser.isSet(p.unitTree);
     o.trend = p.parser.isSet(p.trend);
 
     if (!o.exportCsv.isEmpty() && o.exportCsv == o.printPdf)

@@ -62,6 +62,7 @@ public:
     bool freshness = false;
     bool changeCues = false;
     bool exceptions = false;
+    bool unitTree = false;
     bool trend = false; ///< open the trend chart beside the control
 
     // Batch mode.

@@ -168,6 +168,7 @@ int main(int argc, char **argv)
     settings.freshness = options.freshness;
     settings.changeCues = options.changeCues;
     settings.exceptions = options.exceptions;
+    settings.unitTree = options.unitTree;
     settings.trend = options.trend;
     MainWindow window(std::move(feed), std::move(store), settings);
 

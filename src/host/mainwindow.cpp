@@ -98,6 +98,7 @@ MainWindow::MainWindow(std::unique_ptr<DataFeed> feed, std::unique_ptr<ProfileSt
     m_viewer->SetFreshnessShown(m_settings.freshness);
     m_viewer->SetChangeCuesShown(m_settings.changeCues);
     m_viewer->SetExceptionsShown(m_settings.exceptions);
+    m_viewer->SetUnitTreeShown(m_settings.unitTree);
     createMenus();
     connectViewer();
     connect(m_timer, &QTimer::timeout, this, &MainWindow::refresh);
@@ -168,6 +169,7 @@ void MainWindow::createViewMenu()
            &DLViewer::SetChangeCuesShown);
     toggle(tr("&Trouble colours"), "actionExceptions", m_settings.exceptions,
            &DLViewer::SetExceptionsShown);
+    toggle(tr("&Unit tree"), "actionUnitTree", m_settings.unitTree, &DLViewer::SetUnitTreeShown);
     view->addSeparator();
 
     m_trendDock = new QDockWidget(tr("Trend of today's rates"), this);

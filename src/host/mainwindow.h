@@ -49,6 +49,7 @@ public:
         bool freshness = false;
         bool changeCues = false;
         bool exceptions = false;
+        bool unitTree = false;
         bool trend = false;
     };
 
