@@ -1,5 +1,6 @@
 #include "common/atomicfile.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -21,25 +22,14 @@ bool failWith(QString *error, const QString &reason)
 
 bool AtomicFile::write(const QString &path, QByteArrayView bytes, QString *error)
 {
-    return write(
-        path,
-        [bytes](QIODevice &device) {
-            return device.write(bytes.data(), bytes.size()) == bytes.size();
-        },
-        error);
-}
-
-bool AtomicFile::write(const QString &path, const std::function<bool(QIODevice &)> &produce,
-                       QString *error)
-{
     QSaveFile file(path);
     // Never fall back to writing the target in place (QSaveFile would, for an unwritable folder).
     file.setDirectWriteFallback(false);
     if (!file.open(QIODevice::WriteOnly))
         return failWith(error, file.errorString());
-    const bool produced = produce(file);
     // flush() pushes the last buffered bytes now, so that a full disk is seen before commit().
-    if (!produced || !file.flush() || file.error() != QFileDevice::NoError) {
+    if (file.write(bytes.data(), bytes.size()) != bytes.size() || !file.flush() ||
+        file.error() != QFileDevice::NoError) {
         const QString reason = file.error() != QFileDevice::NoError
                                    ? file.errorString()
                                    : QStringLiteral("the content could not be written");
@@ -49,6 +39,21 @@ bool AtomicFile::write(const QString &path, const std::function<bool(QIODevice &
     if (!file.commit())
         return failWith(error, file.errorString());
     return true;
+}
+
+bool AtomicFile::write(const QString &path, const std::function<bool(QIODevice &)> &produce,
+                       QString *error)
+{
+    // Encoders (libpng among them) handle a failing device badly: some leak their buffers on the
+    // error path. They write to memory, which cannot fail half-way, and only the finished bytes
+    // meet the disk.
+    QByteArray content;
+    QBuffer buffer(&content);
+    buffer.open(QIODevice::WriteOnly);
+    if (!produce(buffer))
+        return failWith(error, QStringLiteral("the content could not be written"));
+    buffer.close();
+    return write(path, QByteArrayView(content), error);
 }
 
 bool AtomicFile::writeByName(const QString &path,

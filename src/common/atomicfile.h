@@ -18,8 +18,8 @@ public:
     /// any of it could not be written.
     [[nodiscard]] static bool write(const QString &path, QByteArrayView bytes,
                                     QString *error = nullptr);
-    /// The same for a writer that streams into a device (an image encoder): produce returns
-    /// false when it failed.
+    /// The same for a writer that streams into a device (an image encoder): produce writes into
+    /// memory and returns false when it failed; the finished bytes are then written as above.
     [[nodiscard]] static bool write(const QString &path,
                                     const std::function<bool(QIODevice &)> &produce,
                                     QString *error = nullptr);
