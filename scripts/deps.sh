@@ -6,6 +6,7 @@ set -euo pipefail
 packages=(
     g++ cmake ninja-build ccache pkg-config
     qt6-base-dev qt6-charts-dev libqt6opengl6-dev libqt6sql6-sqlite libpugixml-dev libgtest-dev
+    qt6-l10n-tools qt6-tools-dev qt6-translations-l10n
     xvfb xauth fonts-dejavu-core poppler-utils python3
     clang libclang-rt-14-dev
 )

@@ -30,8 +30,10 @@ public:
     [[nodiscard]] virtual Frame next() = 0;
     /// Every business-unit id that the feed's data hold, root "#" excluded, in data order.
     [[nodiscard]] virtual QStringList unitIds() const = 0;
-    /// A short description for the status bar ("Demo organisation", "3 documents in ...").
+    /// A short description for the status bar, in the host's language ("Demo organisation",
+    /// "3 documents in ...").
     [[nodiscard]] virtual QString description() const = 0;
-    /// Where the feed stands after the last frame, for the status bar ("document 2 of 3").
+    /// Where the feed stands after the last frame, for the status bar, in the host's language
+    /// ("document 2 of 3").
     [[nodiscard]] virtual QString position() const = 0;
 };

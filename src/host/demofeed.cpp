@@ -4,6 +4,7 @@
 #include "webdata/qzwebmessage.h"
 #include "webdata/qzwebtable.h"
 
+#include <QCoreApplication>
 #include <QHash>
 #include <algorithm>
 #include <array>
@@ -381,12 +382,12 @@ QStringList DemoFeed::unitIds() const
 
 QString DemoFeed::description() const
 {
-    return QStringLiteral("Demo organisation");
+    return QCoreApplication::translate("DemoFeed", "Demo organisation");
 }
 
 QString DemoFeed::position() const
 {
-    return QStringLiteral("demo day %1, %2")
+    return QCoreApplication::translate("DemoFeed", "demo day %1, %2")
         .arg(m_day)
         .arg(clock().toString(QStringLiteral("HH:mm")));
 }

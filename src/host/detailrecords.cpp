@@ -3,6 +3,7 @@
 #include "common/dlverror.h"
 #include "webdata/qzwebtable.h"
 
+#include <QCoreApplication>
 #include <QSet>
 #include <array>
 
@@ -11,8 +12,12 @@ namespace {
 constexpr std::array<const char16_t *, DetailRecords::StatusCount> kStatusKeys = {
     u"WOOpen", u"WOWarning", u"WOJeopardy", u"WOLate", u"WOCompleted", u"WOCanceled", u"WONotDone"};
 
-constexpr std::array<const char16_t *, DetailRecords::StatusCount> kStatusNames = {
-    u"Open", u"Warning", u"Jeopardy", u"Late", u"Completed", u"Canceled", u"Not done"};
+// Shown to people, so in their language (the keys above are what hosts exchange).
+constexpr std::array<const char *, DetailRecords::StatusCount> kStatusNames = {
+    QT_TRANSLATE_NOOP("DetailRecords", "Open"),      QT_TRANSLATE_NOOP("DetailRecords", "Warning"),
+    QT_TRANSLATE_NOOP("DetailRecords", "Jeopardy"),  QT_TRANSLATE_NOOP("DetailRecords", "Late"),
+    QT_TRANSLATE_NOOP("DetailRecords", "Completed"), QT_TRANSLATE_NOOP("DetailRecords", "Canceled"),
+    QT_TRANSLATE_NOOP("DetailRecords", "Not done")};
 
 const QString kWorkOrder = QStringLiteral("WORKORDER");
 const QString kUser = QStringLiteral("USER");
@@ -55,7 +60,7 @@ std::optional<DetailRecords::Status> DetailRecords::statusFromKey(const QString 
 
 QString DetailRecords::statusName(Status status)
 {
-    return QString::fromUtf16(kStatusNames[std::size_t(status)]);
+    return QCoreApplication::translate("DetailRecords", kStatusNames[std::size_t(status)]);
 }
 
 std::vector<const DetailRecords::WorkOrder *>

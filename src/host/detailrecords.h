@@ -64,7 +64,7 @@ public:
     [[nodiscard]] static QString statusKey(Status status);
     /// The status of a request text (exact, as the control sends it), or nothing.
     [[nodiscard]] static std::optional<Status> statusFromKey(const QString &key);
-    /// "Open", "Warning", ... "Not done": for people.
+    /// "Open", "Warning", ... "Not done": for people, in the host's language.
     [[nodiscard]] static QString statusName(Status status);
     [[nodiscard]] static bool isFinal(Status status)
     {

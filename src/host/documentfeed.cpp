@@ -7,6 +7,7 @@
 #include "webdata/qzwebmessage.h"
 #include "webdata/qzwebtable.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -303,17 +304,17 @@ QString DocumentFeed::description() const
 {
     if (m_files.size() == 1)
         return QFileInfo(m_files.front()).fileName();
-    return QStringLiteral("%1 documents in %2").arg(m_files.size()).arg(m_path);
+    return QCoreApplication::translate("DocumentFeed", "%1 documents in %2")
+        .arg(QString::number(m_files.size()), m_path);
 }
 
 QString DocumentFeed::position() const
 {
     if (m_last < 0)
-        return QStringLiteral("nothing sent yet");
+        return QCoreApplication::translate("DocumentFeed", "nothing sent yet");
     if (m_files.size() == 1)
         return {}; // the description names the one document
-    return QStringLiteral("document %1 of %2 (%3)")
-        .arg(m_last + 1)
-        .arg(m_files.size())
-        .arg(QFileInfo(m_files[m_last]).fileName());
+    return QCoreApplication::translate("DocumentFeed", "document %1 of %2 (%3)")
+        .arg(QString::number(m_last + 1), QString::number(m_files.size()),
+             QFileInfo(m_files[m_last]).fileName());
 }

@@ -6,6 +6,7 @@
 #include "host/demofeed.h"
 #include "host/documentfeed.h"
 #include "host/hostoptions.h"
+#include "host/hosttranslator.h"
 #include "host/mainwindow.h"
 #include "host/profilestore.h"
 
@@ -127,6 +128,9 @@ int main(int argc, char **argv)
     QApplication app(argc, argv);
     describeApplication();
     QApplication::setApplicationDisplayName(QStringLiteral("Dashlon Viewer"));
+    // The host's windows in the control's language; the Language menu restarts the host with
+    // another --lang, so one translator serves the whole run.
+    const HostTranslator translator(options.language);
 
     const QString user = options.user.isEmpty() ? HostOptions::loginName() : options.user;
     auto store = std::make_unique<ProfileStore>(

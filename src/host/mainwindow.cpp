@@ -53,14 +53,14 @@ QString languageName(const QString &code)
 QString describeRequest(const DLVParams &p, const DetailTableModel::Descriptions &d, int unitCount)
 {
     QStringList parts;
-    parts.append(p.Info == u"USER" ? QStringLiteral("Technicians") : QStringLiteral("Work orders"));
+    parts.append(p.Info == u"USER" ? MainWindow::tr("Technicians") : MainWindow::tr("Work orders"));
     if (const auto status = DetailRecords::statusFromKey(p.JobStatus))
-        parts.append(QStringLiteral("status %1").arg(DetailRecords::statusName(*status)));
+        parts.append(MainWindow::tr("status %1").arg(DetailRecords::statusName(*status)));
     if (!p.JobType.isEmpty())
-        parts.append(QStringLiteral("job type %1").arg(d.jobTypes.value(p.JobType, p.JobType)));
+        parts.append(MainWindow::tr("job type %1").arg(d.jobTypes.value(p.JobType, p.JobType)));
     if (!p.JobClass.isEmpty())
         parts.append(
-            QStringLiteral("job class %1").arg(d.jobClasses.value(p.JobClass, p.JobClass)));
+            MainWindow::tr("job class %1").arg(d.jobClasses.value(p.JobClass, p.JobClass)));
     QStringList names;
     const QStringList ids = p.BUID.split(u'|', Qt::SkipEmptyParts);
     for (const QString &id : ids) {
@@ -70,13 +70,15 @@ QString describeRequest(const DLVParams &p, const DetailTableModel::Descriptions
         }
         names.append(d.units.value(id, id));
     }
-    QString text = parts.join(QStringLiteral(", "));
-    text += unitCount == 1 ? QStringLiteral(" in 1 unit")
-                           : QStringLiteral(" in %1 units").arg(unitCount);
+    // Multi-argument arg(): a description holding "%2" stays as it is.
+    const QString what = parts.join(QStringLiteral(", "));
+    QString text = unitCount == 1
+                       ? MainWindow::tr("%1 in 1 unit").arg(what)
+                       : MainWindow::tr("%1 in %2 units").arg(what, QString::number(unitCount));
     if (!names.isEmpty())
         text += QStringLiteral(": ") + names.join(QStringLiteral(", "));
     if (!p.JeopardyThreshold.isEmpty())
-        text += QStringLiteral(" (jeopardy threshold %1 min)").arg(p.JeopardyThreshold);
+        text = MainWindow::tr("%1 (jeopardy threshold %2 min)").arg(text, p.JeopardyThreshold);
     return text;
 }
 
