@@ -167,6 +167,13 @@ int main(int argc, char **argv)
         QTimer::singleShot(0, viewer, [viewer] {
             QVariant data = WebVariant::wrap(sampleData());
             viewer->ReceiveMessage(data, 0, QString());
+            // What the control shows can be read back, for a title, a log or a check.
+            const DLVGrid tree = viewer->Grid(DLVGrid::HierarchyWorkOrders);
+            const int root = tree.FindRow(QStringLiteral("#"));
+            viewer->window()->setWindowTitle(
+                QStringLiteral("%1: %2 technicians")
+                    .arg(tree.TextMatrix(root, DLVGrid::HierarchyUnit),
+                         viewer->PanelText(DLViewer::PanelFigure::TechCount)));
         });
     });
 

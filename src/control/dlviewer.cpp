@@ -553,6 +553,23 @@ bool DLViewer::PrintGrid(QPrinter &printer)
     return d->printGrid(printer);
 }
 
+DLVGrid DLViewer::Grid(DLVGrid::Element element) const
+{
+    if (element < DLVGrid::Summary || element > DLVGrid::HierarchyPoints)
+        return {};
+    return DLVGrid(&d->grids[std::size_t(element)]);
+}
+
+QString DLViewer::PanelText(PanelFigure figure) const
+{
+    const std::array<const QLabel *, 11> labels = {
+        d->lblTechCount,   d->lblHrsWorked,     d->lblHrsRemaining, d->lblWODone,
+        d->lblWOOpen,      d->lblPtsDone,       d->lblPtsOpen,      d->lblWOsPerHrToday,
+        d->lblWOsPerHrReq, d->lblPtsPerHrToday, d->lblPtsPerHrReq};
+    const auto i = std::size_t(figure);
+    return i < labels.size() && labels[i] ? labels[i]->text() : QString();
+}
+
 void DLViewer::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/paneltrendpoint.h"
+#include "control/dlvgrid.h"
 #include "control/dlvparams.h"
 
 #include <QList>
@@ -90,6 +91,28 @@ public:
     /// chosen, and what the control does with them, stays the same either way.
     void SetUnitTreeShown(bool on);
     [[nodiscard]] bool UnitTreeShown() const;
+    // --- Reading what the control shows, for hosts that check, log or mirror it.
+    /// One of the three grids (see DLVGrid for rows, columns and row data). The reader is valid
+    /// while the control lives and always shows the grid as it is now.
+    [[nodiscard]] DLVGrid Grid(DLVGrid::Element element) const;
+    /// The figures of the productivity panel, named as its labels are.
+    enum class PanelFigure
+    {
+        TechCount,      ///< lblTechCount: technicians of the chosen units
+        HoursWorked,    ///< lblHrsWorked
+        HoursRemaining, ///< lblHrsRemaining
+        WODone,         ///< lblWODone: work orders completed
+        WOOpen,         ///< lblWOOpen
+        PtsDone,        ///< lblPtsDone
+        PtsOpen,        ///< lblPtsOpen
+        WOsPerHrToday,  ///< lblWOsPerHrToday: current work orders per hour
+        WOsPerHrReq,    ///< lblWOsPerHrReq: work orders per hour required for the open work
+        PtsPerHrToday,  ///< lblPtsPerHrToday
+        PtsPerHrReq,    ///< lblPtsPerHrReq
+    };
+    /// The figure's text as its label shows it.
+    [[nodiscard]] QString PanelText(PanelFigure figure) const;
+
     /// The panel's figures after each refresh of the current day, oldest first (kept always,
     /// bounded, cleared when a refresh of a new day arrives). PanelTrendChanged() tells of a new
     /// point.
