@@ -31,10 +31,11 @@ public:
     /// What the command line asks for.
     enum class Action
     {
-        Run,     ///< start the host (interactive, or batch when a batch option is given)
-        Help,    ///< print helpText() and stop
-        Version, ///< print the version and stop
-        Error    ///< print errorMessage and stop with ExitBadArguments
+        Run,              ///< start the host (interactive, or batch when a batch option is given)
+        Help,             ///< print helpText() and stop
+        Version,          ///< print the version and stop
+        GenerateDatabase, ///< write a generated day to the work-order database dbGenerate
+        Error             ///< print errorMessage and stop with ExitBadArguments
     };
 
     static constexpr int DefaultRefreshSeconds = 30;
@@ -47,7 +48,10 @@ public:
     Action action = Action::Run;
     QString errorMessage;
 
-    QString dataPath; ///< empty: the built-in demo
+    QString dataPath;   ///< empty: the built-in demo (or the work-order database dbUrl)
+    QString dbUrl;      ///< a work-order database to read on every refresh
+    QString dbGenerate; ///< the work-order database to generate
+    QString dbClock;    ///< the time of day of the generated day ("HH:mm"), empty: 10:30
     QString language = QStringLiteral("EN");
     QString user;             ///< empty: the login name
     QString profilesPath;     ///< empty: the default store

@@ -3,12 +3,15 @@
 
 #include "common/dlverror.h"
 #include "host/batchrun.h"
+#include "host/databasefeed.h"
 #include "host/demofeed.h"
 #include "host/documentfeed.h"
 #include "host/hostoptions.h"
 #include "host/hosttranslator.h"
 #include "host/mainwindow.h"
 #include "host/profilestore.h"
+#include "host/workorderdatabase.h"
+#include "host/workordergenerator.h"
 
 #include <QApplication>
 #include <QDir>
@@ -48,6 +51,37 @@ void describeApplication()
     QCoreApplication::setApplicationVersion(QStringLiteral(DLV_HOST_VERSION));
 }
 
+// --db-generate: a working day written to a new work-order database.
+int generateDatabase(int argc, char **argv, const HostOptions &options)
+{
+    QCoreApplication core(argc, argv); // Qt loads its database drivers as plugins
+    describeApplication();
+    QString error;
+    auto database =
+        WorkOrderDatabase::open(options.dbGenerate, WorkOrderDatabase::Mode::Create, &error);
+    if (!database) {
+        printError(error);
+        return HostOptions::ExitFailure;
+    }
+    const QTime clock = options.dbClock.isEmpty()
+                            ? QTime(10, 30)
+                            : QTime::fromString(options.dbClock, QStringLiteral("H:mm"));
+    const WorkOrderGenerator day(options.seedGiven ? options.seed : DemoFeed::DefaultSeed, clock);
+    error = day.write(*database);
+    if (!error.isEmpty()) {
+        printError(QStringLiteral("%1: %2").arg(database->displayName(), error));
+        return HostOptions::ExitFailure;
+    }
+    printOut(QCoreApplication::translate("main", "%1: %2 units, %3 technicians and %4 work "
+                                                 "orders of a day at %5")
+                 .arg(database->displayName())
+                 .arg(day.units().size())
+                 .arg(day.technicians().size())
+                 .arg(day.workOrders().size())
+                 .arg(clock.toString(QStringLiteral("HH:mm"))));
+    return HostOptions::ExitOk;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -69,6 +103,8 @@ int main(int argc, char **argv)
     case HostOptions::Action::Version:
         printOut(QStringLiteral("dlv-host %1").arg(QStringLiteral(DLV_HOST_VERSION)));
         return HostOptions::ExitOk;
+    case HostOptions::Action::GenerateDatabase:
+        return generateDatabase(argc, argv, options);
     case HostOptions::Action::Run:
         break;
     }
@@ -86,7 +122,14 @@ int main(int argc, char **argv)
     // The data are read and checked before Qt opens its platform, so that a bad document or
     // unit is reported without any other output.
     std::unique_ptr<DataFeed> feed;
-    if (!options.dataPath.isEmpty()) {
+    if (!options.dbUrl.isEmpty()) {
+        QString error;
+        feed = DatabaseFeed::open(options.dbUrl, &error, options.refreshSeconds);
+        if (!feed) {
+            printError(error);
+            return HostOptions::ExitBadData;
+        }
+    } else if (!options.dataPath.isEmpty()) {
         QString error;
         feed = DocumentFeed::open(options.dataPath, &error, qint64(options.maxDocumentMiB) << 20);
         if (!feed) {
