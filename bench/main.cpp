@@ -3,7 +3,9 @@
 #include "cuesbench.h"
 #include "datagenerator.h"
 #include "endurancerun.h"
+#include "livebench.h"
 #include "model/cdlvcontroller.h"
+#include "physicalfloor.h"
 #include "stage.h"
 #include "viewerbench.h"
 #include "webdata/qzwebmessage.h"
@@ -13,6 +15,10 @@
 #include <QCommandLineParser>
 #include <algorithm>
 #include <cstdio>
+#include <memory>
+#include <string_view>
+#include <tuple>
+#include <vector>
 
 namespace {
 
@@ -96,6 +102,111 @@ int printCuesStage(const DataGenerator::Options &options)
     return t.errors;
 }
 
+namespace {
+
+// Goals the live control is held to; the "targets" line states each against its figure.
+constexpr double kEndToEndOverPugi = 2.0;     // refresh until painted, against pugixml's parse
+constexpr double kPeakOverMessage = 2.5;      // peak memory of one message, against its size
+constexpr double kInteractionMs = 30.0;       // any interaction until painted
+constexpr double kDoublingRatio = 2.0 * 1.15; // twice the units and rows
+constexpr double kDepthRatio = 1.2;           // a deep tree against a shallow one
+
+void printLive(const LiveBench::Times &t, const PhysicalFloor::Times &floor, double bytes)
+{
+    const auto line = [](const QString &name, double ms) {
+        auto stage = std::make_unique<Stage>(name);
+        stage->setElapsed(ms);
+        return stage;
+    };
+    {
+        auto s = line(QStringLiteral("memory_read"), floor.memoryRead);
+        s->add(QStringLiteral("bytes"), bytes);
+        s->add(QStringLiteral("mb_per_s"),
+               floor.memoryRead > 0 ? bytes / 1e3 / floor.memoryRead : 0);
+        s->print();
+    }
+    {
+        auto s = line(QStringLiteral("pugixml_parse"), floor.pugiParse);
+        s->add(QStringLiteral("bytes"), bytes);
+        s->add(QStringLiteral("ok"), floor.parsed ? 1 : 0);
+        s->print();
+    }
+    {
+        auto s = line(QStringLiteral("end_to_end"), t.refresh);
+        s->add(QStringLiteral("units"), t.units);
+        s->add(QStringLiteral("host_parse_ms"), t.hostParse);
+        s->add(QStringLiteral("over_pugixml"),
+               floor.pugiParse > 0 ? t.refresh / floor.pugiParse : 0);
+        s->add(QStringLiteral("over_memory_read"),
+               floor.memoryRead > 0 ? t.refresh / floor.memoryRead : 0);
+        s->add(QStringLiteral("errors"), t.errors);
+        s->print();
+    }
+    const std::pair<const char *, double> interactions[] = {
+        {"tab_switch", t.tabSwitch},   {"display_switch", t.displaySwitch},
+        {"collapse_node", t.collapse}, {"expand_node", t.expand},
+        {"view_button", t.viewButton}, {"drill_down", t.drillDown},
+        {"resize", t.resize}};
+    for (const auto &[name, ms] : interactions) {
+        auto s = line(QStringLiteral("interaction_") + QString::fromLatin1(name), ms);
+        if (std::string_view(name) == "drill_down")
+            s->add(QStringLiteral("requests"), t.detailRequests);
+        s->print();
+    }
+    {
+        auto s = line(QStringLiteral("memory"), 0);
+        s->add(QStringLiteral("message_bytes"), bytes);
+        s->add(QStringLiteral("base_kb"), double(t.baseKb));
+        s->add(QStringLiteral("message_peak_kb"), double(t.peakKb));
+        const double added = double(t.peakKb - t.baseKb) * 1024.0;
+        s->add(QStringLiteral("message_added_kb"), double(t.peakKb - t.baseKb));
+        s->add(QStringLiteral("added_over_message"), bytes > 0 ? added / bytes : 0);
+        s->add(QStringLiteral("refresh_added_kb"), double(t.refreshPeakKb));
+        s->add(QStringLiteral("refresh_added_over_message"),
+               bytes > 0 ? double(t.refreshPeakKb) * 1024.0 / bytes : 0);
+        s->print();
+    }
+    {
+        Stage s(QStringLiteral("targets"));
+        s.setElapsed(0);
+        const double e2e = floor.pugiParse > 0 ? t.refresh / floor.pugiParse : 0;
+        const double peak = bytes > 0 ? double(t.peakKb - t.baseKb) * 1024.0 / bytes : 0;
+        s.add(QStringLiteral("end_to_end_over_pugixml"), e2e);
+        s.add(QStringLiteral("end_to_end_goal"), kEndToEndOverPugi);
+        s.add(QStringLiteral("end_to_end_met"), e2e <= kEndToEndOverPugi ? 1 : 0);
+        s.add(QStringLiteral("peak_over_message"), peak);
+        s.add(QStringLiteral("peak_goal"), kPeakOverMessage);
+        s.add(QStringLiteral("peak_met"), peak <= kPeakOverMessage ? 1 : 0);
+        s.add(QStringLiteral("slowest_interaction_ms"), t.slowestInteraction());
+        s.add(QStringLiteral("interaction_goal_ms"), kInteractionMs);
+        s.add(QStringLiteral("interactions_met"), t.slowestInteraction() < kInteractionMs ? 1 : 0);
+        s.print();
+    }
+}
+
+void printRatio(const QString &name, double a, double b, double goal,
+                const std::vector<std::pair<QString, double>> &fields)
+{
+    Stage s(name);
+    s.setElapsed(b);
+    for (const auto &[key, value] : fields)
+        s.add(key, value);
+    s.add(QStringLiteral("ms_n"), a);
+    s.add(QStringLiteral("ms_2n"), b);
+    const double ratio = a > 0 ? b / a : 0.0;
+    s.add(QStringLiteral("ratio"), ratio);
+    s.add(QStringLiteral("goal"), goal);
+    s.add(QStringLiteral("met"), ratio <= goal ? 1 : 0);
+    s.print();
+}
+
+QByteArray utf8Of(const std::shared_ptr<QZWebMessage> &message)
+{
+    return message->toXml().toUtf8();
+}
+
+} // namespace
+
 int main(int argc, char **argv)
 {
     // The fill stages drive a real control; no display is needed for that.
@@ -132,7 +243,13 @@ int main(int argc, char **argv)
     const QCommandLineOption messages(QStringLiteral("messages"),
                                       QStringLiteral("Messages of the endurance run."),
                                       QStringLiteral("n"), QStringLiteral("2000"));
-    parser.addOptions({bus, depth, jobTypes, classes, details, seed, scaling, endurance, messages});
+    const QCommandLineOption deep(
+        QStringLiteral("deep"),
+        QStringLiteral("With --scaling: the depth the end-to-end refresh is compared at against "
+                       "--depth (same units and rows)."),
+        QStringLiteral("n"), QStringLiteral("5000"));
+    parser.addOptions(
+        {bus, depth, deep, jobTypes, classes, details, seed, scaling, endurance, messages});
     parser.process(app);
 
     const auto intValue = [&](const QCommandLineOption &option) {
@@ -173,11 +290,13 @@ int main(int argc, char **argv)
         stage.print();
     }
     QString xml;
+    QByteArray utf8;
     {
         Stage stage(QStringLiteral("toXml"));
         xml = generated->toXml();
         stage.stop();
-        stage.add(QStringLiteral("bytes"), double(xml.toUtf8().size()));
+        utf8 = xml.toUtf8();
+        stage.add(QStringLiteral("bytes"), double(utf8.size()));
         stage.print();
     }
     auto parsed = std::make_shared<QZWebMessage>();
@@ -194,6 +313,12 @@ int main(int argc, char **argv)
     const ViewerBench::Times viewer = ViewerBench::run(parsed, 1);
     printViewerStages(viewer, parseMs);
     const int cueErrors = printCuesStage(options);
+    const PhysicalFloor::Times floor = PhysicalFloor::measure(utf8, 3);
+    const LiveBench::Times live = LiveBench::run(parsed, utf8, 3);
+    printLive(live, floor, double(utf8.size()));
+    utf8.clear();
+    utf8.squeeze();
+    int liveErrors = live.errors;
 
     if (parser.isSet(scaling)) {
         DataGenerator::Options doubled = options;
@@ -229,6 +354,43 @@ int main(int argc, char **argv)
         ratioLine("unit_list", n.unitList, n2.unitList);
         ratioLine("summary_fill", n.summaryFill, n2.summaryFill);
         ratioLine("refresh", n.refresh, n2.refresh);
+
+        // The live control at N and 2N: the refresh until painted and every interaction.
+        const auto bigMessage = DataGenerator(bigger).generate();
+        const LiveBench::Times liveN = LiveBench::run(messageN, utf8Of(messageN), 3);
+        const LiveBench::Times live2N = LiveBench::run(bigMessage, utf8Of(bigMessage), 3);
+        liveErrors += liveN.errors + live2N.errors;
+        const std::vector<std::pair<QString, double>> sizes{
+            {QStringLiteral("units_n"), options.units},
+            {QStringLiteral("rows_n"), options.detailRows}};
+        const std::tuple<const char *, double, double> stages[] = {
+            {"end_to_end", liveN.refresh, live2N.refresh},
+            {"tab_switch", liveN.tabSwitch, live2N.tabSwitch},
+            {"display_switch", liveN.displaySwitch, live2N.displaySwitch},
+            {"collapse_node", liveN.collapse, live2N.collapse},
+            {"expand_node", liveN.expand, live2N.expand},
+            {"view_button", liveN.viewButton, live2N.viewButton},
+            {"drill_down", liveN.drillDown, live2N.drillDown},
+            {"resize", liveN.resize, live2N.resize},
+            {"peak_memory_kb", double(liveN.peakKb - liveN.baseKb),
+             double(live2N.peakKb - live2N.baseKb)}};
+        for (const auto &[name, a, b] : stages)
+            printRatio(QStringLiteral("scaling_") + QString::fromLatin1(name), a, b, kDoublingRatio,
+                       sizes);
+
+        // The same units and rows in a tree of --deep levels instead of --depth.
+        DataGenerator::Options deepOptions = options;
+        deepOptions.depth = intValue(deep);
+        const auto deepMessage = DataGenerator(deepOptions).generate();
+        const LiveBench::Times shallow = LiveBench::run(messageN, utf8Of(messageN), 3);
+        const LiveBench::Times deepTree = LiveBench::run(deepMessage, utf8Of(deepMessage), 3);
+        liveErrors += shallow.errors + deepTree.errors;
+        printRatio(
+            QStringLiteral("depth"), shallow.refresh, deepTree.refresh, kDepthRatio,
+            {{QStringLiteral("depth_n"), options.depth},
+             {QStringLiteral("depth_deep"), deepOptions.depth},
+             {QStringLiteral("units"), options.units},
+             {QStringLiteral("slowest_interaction_deep_ms"), deepTree.slowestInteraction()}});
     }
-    return load.errors == 0 && viewer.errors == 0 && cueErrors == 0 ? 0 : 1;
+    return load.errors == 0 && viewer.errors == 0 && cueErrors == 0 && liveErrors == 0 ? 0 : 1;
 }

@@ -1,0 +1,250 @@
+#include "livebench.h"
+
+#include "benchdialoghost.h"
+#include "control/dlviewer.h"
+#include "control/dlviewer_p.h"
+#include "model/cdlvcontroller.h"
+#include "viewertestaccess.h"
+#include "views/drilldown.h"
+#include "views/outlinegridmodel.h"
+#include "views/outlinegridview.h"
+#include "webdata/qzwebdata.h"
+#include "webdata/qzwebmessage.h"
+#include "webdata/qzwebtable.h"
+#include "webdata/qzwebtransport.h"
+#include "webdata/webvariant.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QRadioButton>
+#include <QTabBar>
+#include <QTreeWidget>
+#include <algorithm>
+#include <malloc.h>
+
+namespace {
+
+// A field of /proc/self/status in kB, or -1.
+long statusKb(const char *field)
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly | QIODevice::Text))
+        return -1;
+    const QByteArray name(field);
+    for (QByteArray line = status.readLine(); !line.isEmpty(); line = status.readLine()) {
+        if (line.startsWith(name))
+            return line.mid(name.size()).trimmed().split(' ').value(0).toLong();
+    }
+    return -1;
+}
+
+// Starts a new peak: the kernel sets VmHWM back to the current resident size. Freed heap is
+// handed back first, so that the peak counts what the measured work really needs.
+long resetPeakKb()
+{
+    malloc_trim(0);
+    QFile clear(QStringLiteral("/proc/self/clear_refs"));
+    if (clear.open(QIODevice::WriteOnly))
+        clear.write("5");
+    return statusKb("VmRSS:");
+}
+
+// Until the control has painted: pending events (deferred layouts, timers due now), then a
+// synchronous paint of the whole control.
+void settle(QWidget &widget)
+{
+    QCoreApplication::processEvents();
+    widget.repaint();
+}
+
+template <typename Body> double bestLiveOf(int runs, Body &&body)
+{
+    double best = 1e300;
+    for (int i = 0; i < std::max(runs, 1); ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        body();
+        best = std::min(best, double(timer.nsecsElapsed()) / 1e6);
+    }
+    return best;
+}
+
+} // namespace
+
+double LiveBench::Times::slowestInteraction() const
+{
+    return std::max({tabSwitch, displaySwitch, collapse, expand, viewButton, drillDown, resize});
+}
+
+LiveBench::Times LiveBench::run(const std::shared_ptr<QZWebMessage> &message,
+                                const QByteArray &utf8, int runs)
+{
+    Times times;
+    // The control sits in a host window, as in a host: its own size changes at once (a top-level
+    // window's size would go through the platform).
+    QWidget window;
+    window.resize(2000, 1100);
+    auto &viewer = *new DLViewer(&window); // owned by the window
+    viewer.resize(1280, 800);
+    DLViewerPrivate &d = DLViewerTestAccess::d(viewer);
+    d.setDialogHost(std::make_unique<BenchDialogHost>(times.errors));
+    QObject::connect(&viewer, &DLViewer::GetDetails, &viewer,
+                     [&times](DLVParams &) { ++times.detailRequests; });
+    viewer.Initialize(std::make_shared<QZWebTransport>(QStringLiteral("EN")));
+    QString language = QStringLiteral("EN");
+    viewer.SetRegionalFormatInfo(language);
+    window.show();
+    settle(viewer);
+
+    QStringList session;
+    const QZWebTable &units = message->data(1)->table(u"BusinessUnits");
+    const int idColumn = units.requireColumn(u"BUID");
+    session.reserve(units.rowCount());
+    for (int r = 1; r <= units.rowCount(); ++r) {
+        const QString id = units.value(r, idColumn).toString();
+        if (id != QStringLiteral("#")) // the root is no unit a session sees
+            session << id;
+    }
+    viewer.SetSessionBUIDList(session);
+
+    QVariant data = WebVariant::wrap(message);
+    viewer.ReceiveMessage(data, QVariant(0), QVariant());
+    d.lvBU->selectAll();
+    d.optBU[1]->setChecked(true);
+    d.cmdView_Click();
+    settle(viewer);
+
+    times.refresh = bestLiveOf(runs, [&] {
+        viewer.ReceiveMessage(data, QVariant(0), QVariant());
+        settle(viewer);
+    });
+    times.units = d.mDLV->BUs().Count();
+
+    // A step and its way back, alternating (a repeated step would change nothing): the slower of
+    // the two directions' best times.
+    const auto slower = [&](auto &&there, auto &&back) {
+        double a = 1e300;
+        double b = 1e300;
+        for (int i = 0; i < std::max(runs, 1); ++i) {
+            a = std::min(a, bestLiveOf(1, [&] {
+                             there();
+                             settle(viewer);
+                         }));
+            b = std::min(b, bestLiveOf(1, [&] {
+                             back();
+                             settle(viewer);
+                         }));
+        }
+        return std::max(a, b);
+    };
+    // Each pair is timed as alternating single steps: the best of each direction counts.
+    double toHierarchy = 1e300;
+    double toSummary = 1e300;
+    double toPoints = 1e300;
+    double toWorkOrders = 1e300;
+    for (int i = 0; i < std::max(runs, 1); ++i) {
+        toHierarchy = std::min(toHierarchy, bestLiveOf(1, [&] {
+                                   d.Tabs->setCurrentIndex(1);
+                                   settle(viewer);
+                               }));
+        toPoints = std::min(toPoints, bestLiveOf(1, [&] {
+                                d.optDisplay[1]->setChecked(true);
+                                settle(viewer);
+                            }));
+        toWorkOrders = std::min(toWorkOrders, bestLiveOf(1, [&] {
+                                    d.optDisplay[0]->setChecked(true);
+                                    settle(viewer);
+                                }));
+        if (i + 1 < std::max(runs, 1))
+            toSummary = std::min(toSummary, bestLiveOf(1, [&] {
+                                     d.Tabs->setCurrentIndex(0);
+                                     settle(viewer);
+                                 }));
+    }
+    times.displaySwitch = std::max(toPoints, toWorkOrders);
+
+    // The top node of the work-order hierarchy (the root, with every unit below it), collapsed
+    // and expanded through the view as a click on its branch would.
+    OutlineGridView *view = d.vsFlex[1];
+    const OutlineGrid &tree = d.grids[1];
+    const auto *model = static_cast<const OutlineGridModel *>(view->model());
+    const int top = tree.fixedRows();
+    if (top < tree.rowCount() && tree.isNode(top)) {
+        const QModelIndex node = model->indexForRow(top, 0);
+        double collapse = 1e300;
+        double expand = 1e300;
+        for (int i = 0; i < std::max(runs, 1); ++i) {
+            collapse = std::min(collapse, bestLiveOf(1, [&] {
+                                    view->collapse(node);
+                                    settle(viewer);
+                                }));
+            expand = std::min(expand, bestLiveOf(1, [&] {
+                                  view->expand(node);
+                                  settle(viewer);
+                              }));
+        }
+        times.collapse = collapse;
+        times.expand = expand;
+        // A double-click on the open work orders of the first unit row (the root shows no figures):
+        // the request for every unit below it.
+        d.Tabs->setCurrentIndex(1);
+        settle(viewer);
+        int unitRow = top;
+        while (unitRow + 1 < tree.rowCount() && tree.text(unitRow, 1).isEmpty())
+            ++unitRow;
+        times.drillDown = bestLiveOf(runs, [&] {
+            d.grids[1].setCurrentCell(unitRow, 4); // the press before the double-click
+            d.lastMouseButton = DrillDown::LeftButton;
+            d.vsFlex_DblClick(1, unitRow, 4);
+            settle(viewer);
+        });
+    }
+    toSummary = std::min(toSummary, bestLiveOf(1, [&] {
+                             d.Tabs->setCurrentIndex(0);
+                             settle(viewer);
+                         }));
+    times.tabSwitch = std::max(toHierarchy, toSummary);
+
+    // View after the choice changed (one unit fewer, then all again): the summary refills.
+    QTreeWidgetItem *first = d.lvBU->topLevelItemCount() > 0 ? d.lvBU->topLevelItem(0) : nullptr;
+    double viewButton = 1e300;
+    for (int i = 0; i < 2 * std::max(runs, 1) && first; ++i) {
+        first->setSelected(i % 2 != 0);
+        viewButton = std::min(viewButton, bestLiveOf(1, [&] {
+                                  d.cmdView_Click();
+                                  settle(viewer);
+                              }));
+    }
+    times.viewButton = first ? viewButton : 0;
+
+    // Wider and narrower by 300 pixels (both above the width the panel starts to scroll at), on
+    // either tab: the slowest counts.
+    for (int tab : {1, 0}) {
+        d.Tabs->setCurrentIndex(tab);
+        settle(viewer);
+        times.resize = std::max(times.resize, slower([&] { viewer.resize(1900, 1000); },
+                                                     [&] { viewer.resize(1600, 1000); }));
+    }
+
+    // Memory: the message arrives as text, the host parses it and hands it over; the peak above
+    // the resident size before counts everything that one message costs besides its text.
+    {
+        times.baseKb = resetPeakKb();
+        QElapsedTimer timer;
+        timer.start();
+        auto fresh = std::make_shared<QZWebMessage>();
+        fresh->loadXmlUtf8(utf8);
+        times.hostParse = double(timer.nsecsElapsed()) / 1e6;
+        QVariant freshData = WebVariant::wrap(fresh);
+        viewer.ReceiveMessage(freshData, QVariant(0), QVariant());
+        settle(viewer);
+        times.peakKb = statusKb("VmHWM:");
+    }
+    // The control's own share: the message is parsed and held already.
+    const long before = resetPeakKb();
+    viewer.ReceiveMessage(data, QVariant(0), QVariant());
+    settle(viewer);
+    times.refreshPeakKb = statusKb("VmHWM:") - before;
+    return times;
+}
