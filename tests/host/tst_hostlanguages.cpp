@@ -234,6 +234,10 @@ TEST_F(HostLanguageTest, DetailsWindowIsInTheChosenLanguage)
         QAbstractButton *close = buttons->button(QDialogButtonBox::Close);
         ASSERT_TRUE(close);
         EXPECT_EQ(plain(close->text()), QString::fromUtf8(l.closeButton));
+#ifdef DLV_SCREENSHOT_DIR
+        details.grab().save(QStringLiteral(DLV_SCREENSHOT_DIR "/host-details-%1.png")
+                                .arg(QString::fromLatin1(l.code).toLower()));
+#endif
     }
 }
 
