@@ -1,6 +1,7 @@
 // dlv-host as a program: batch runs on small data documents, checked by what they print and
 // write, and the exit status and message for bad arguments and bad documents.
 #include "host/profilestore.h"
+#include "host/workordergenerator.h"
 #include "support/fullfilesystem.h"
 #include "support/qtprinters.h"
 #include "webdata/qzwebprofile.h"
@@ -140,6 +141,40 @@ TEST_F(HostProcessTest, PrintsToPdfAndTakesAPictureOfTheWindow)
     EXPECT_EQ(qFromBigEndian<quint32>(picture.constData() + 20), 800u);
 }
 
+// A generated work-order database read by SQL: the panel's figures are those of the generated
+// records, the grid is written, and a second generation does not overwrite the first.
+TEST_F(HostProcessTest, GeneratesAWorkOrderDatabaseAndShowsItsFigures)
+{
+    const QString db = file(QStringLiteral("day.sqlite"));
+    const QStringList generate = {"--db-generate", db, "--seed", "5", "--db-clock", "11:00"};
+    const Result made = run(generate);
+    ASSERT_EQ(made.status, 0) << made.err.toStdString();
+    EXPECT_TRUE(made.out.contains(QStringLiteral("39 units"))) << made.out.toStdString();
+    const Result again = run(generate);
+    EXPECT_EQ(again.status, 1);
+    EXPECT_TRUE(again.err.contains(QStringLiteral("already")) && again.err.count(u'\n') == 1)
+        << again.err.toStdString();
+
+    const WorkOrderGenerator day(5, QTime(11, 0));
+    int onDuty = 0;
+    for (const auto &t : day.technicians())
+        onDuty += t.onDuty ? 1 : 0;
+    int completed = 0;
+    for (const auto &o : day.workOrders())
+        completed += o.status == DetailRecords::Status::Completed ? 1 : 0;
+    const QString csv = file(QStringLiteral("grid.csv"));
+    const Result r = run({"--db", QStringLiteral("sqlite:") + db, "--select", "LKS,PLN,PAC",
+                          "--aggregate", "--panel", "--export-csv", csv});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.out.startsWith(QStringLiteral("lblTechCount=%1\n").arg(onDuty)))
+        << r.out.toStdString();
+    EXPECT_TRUE(r.out.contains(QStringLiteral("\nlblWODone=%1\n").arg(completed)))
+        << r.out.toStdString();
+    const QByteArray grid = readAll(csv);
+    EXPECT_TRUE(grid.contains("Installation") && grid.contains("Residential"))
+        << grid.left(400).toStdString();
+}
+
 // On a full disk every output fails with status 1 and the user's earlier file stays as it was.
 TEST_F(HostProcessTest, AFullDiskFailsTheRunAndKeepsTheEarlierFile)
 {
@@ -219,6 +254,12 @@ TEST_F(HostProcessTest, FailuresEndWithTheirStatusAndOneLineOnStandardError)
         {{"--data", "$DATA/../webdata/profile-single.xml", "--screenshot", "$TMP/never.png"},
          3,
          "profile-single.xml"},
+        {{"--db", "$TMP/missing.sqlite", "--panel"}, 3, "missing.sqlite"},
+        {{"--db", "$DATA/two-crews.xml", "--screenshot", "$TMP/never.png"}, 3, "two-crews.xml"},
+        {{"--db", "mysql://host/orders", "--panel"}, 3, "mysql"},
+        {{"--db", "$TMP/a.sqlite", "--data", "$DATA/two-crews.xml"}, 2, "--db"},
+        {{"--db-generate", "$TMP/b.sqlite", "--panel"}, 2, "--db-generate"},
+        {{"--db-generate", "$TMP/b.sqlite", "--db-clock", "25:00"}, 2, "25:00"},
     };
     for (const auto &c : cases) {
         QStringList args = c.args;
