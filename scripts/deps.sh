@@ -9,6 +9,9 @@ packages=(
     qt6-l10n-tools qt6-tools-dev qt6-translations-l10n
     xvfb xauth fonts-dejavu-core poppler-utils python3
     clang libclang-rt-14-dev
+    # Qt's PostgreSQL driver, for dlv-host --db postgresql://... The server itself (postgresql)
+    # is left out on purpose: its test runs only where one is installed.
+    libqt6sql6-psql
 )
 
 missing=()
