@@ -4,6 +4,7 @@
 #include "webdata/qzwebdata_p.h"
 #include "webdata/qzwebtable_p.h"
 #include "webdata/webxmldocument_p.h"
+#include "webdata/webxmlstreamreader_p.h"
 #include "webdata/webxmltext_p.h"
 #include "webdata/webxmlwriter_p.h"
 
@@ -61,8 +62,7 @@ QString QZWebData::toXml() const
 
 void QZWebData::loadXml(QStringView xml)
 {
-    const WebXmlDocument doc(xml, WebXmlKinds::Data);
-    *this = doc.build([](pugi::xml_node root) { return QZWebDataPrivate::read(root); });
+    *this = WebXmlStreamReader::readData(xml);
 }
 
 QZWebData QZWebData::fromXml(QStringView xml)
@@ -74,8 +74,7 @@ QZWebData QZWebData::fromXml(QStringView xml)
 
 void QZWebData::loadXmlUtf8(QByteArrayView xml)
 {
-    const WebXmlDocument doc(xml, WebXmlKinds::Data);
-    *this = doc.build([](pugi::xml_node root) { return QZWebDataPrivate::read(root); });
+    *this = WebXmlStreamReader::readData(xml);
 }
 
 QZWebData QZWebData::fromXmlUtf8(QByteArrayView xml)

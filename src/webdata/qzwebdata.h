@@ -38,5 +38,6 @@ public:
 
 private:
     friend class QZWebDataPrivate;
+    friend class WebXmlStreamReader;
     OrderedDict<std::unique_ptr<QZWebTable>> m_tables{KeyCompare::CaseInsensitive};
 };

@@ -2,16 +2,10 @@
 
 #include "common/dlverror.h"
 #include "webdata/qzwebdata_p.h"
-#include "webdata/webxmldocument_p.h"
+#include "webdata/qzwebmessage_p.h"
+#include "webdata/webxmlstreamreader_p.h"
 #include "webdata/webxmltext_p.h"
 #include "webdata/webxmlwriter_p.h"
-
-/// The XML binding of QZWebMessage.
-class QZWebMessagePrivate
-{
-public:
-    [[nodiscard]] static QZWebMessage read(pugi::xml_node element);
-};
 
 QString QZWebMessage::property(QStringView key) const
 {
@@ -66,8 +60,7 @@ QString QZWebMessage::toXml() const
 
 void QZWebMessage::loadXml(QStringView xml)
 {
-    const WebXmlDocument doc(xml, WebXmlKinds::Message);
-    *this = doc.build([](pugi::xml_node root) { return QZWebMessagePrivate::read(root); });
+    *this = WebXmlStreamReader::readMessage(xml);
 }
 
 QZWebMessage QZWebMessage::fromXml(QStringView xml)
@@ -79,8 +72,7 @@ QZWebMessage QZWebMessage::fromXml(QStringView xml)
 
 void QZWebMessage::loadXmlUtf8(QByteArrayView xml)
 {
-    const WebXmlDocument doc(xml, WebXmlKinds::Message);
-    *this = doc.build([](pugi::xml_node root) { return QZWebMessagePrivate::read(root); });
+    *this = WebXmlStreamReader::readMessage(xml);
 }
 
 QZWebMessage QZWebMessage::fromXmlUtf8(QByteArrayView xml)

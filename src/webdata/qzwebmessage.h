@@ -38,6 +38,7 @@ public:
 
 private:
     friend class QZWebMessagePrivate;
+    friend class WebXmlStreamReader;
     QString m_name;
     OrderedDict<QString> m_properties{KeyCompare::Exact};
     std::vector<std::shared_ptr<QZWebData>> m_data;

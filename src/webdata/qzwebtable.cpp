@@ -4,6 +4,7 @@
 #include "common/ordereddict.h"
 #include "webdata/qzwebtable_p.h"
 #include "webdata/webxmldocument_p.h"
+#include "webdata/webxmlstreamreader_p.h"
 #include "webdata/webxmltext_p.h"
 #include "webdata/webxmlwriter_p.h"
 
@@ -272,8 +273,7 @@ QString QZWebTable::toXml() const
 
 void QZWebTable::loadXml(QStringView xml)
 {
-    const WebXmlDocument doc(xml, WebXmlKinds::Table);
-    *this = doc.build([](pugi::xml_node root) { return QZWebTablePrivate::read(root, "table"); });
+    *this = WebXmlStreamReader::readTable(xml);
 }
 
 QZWebTable QZWebTable::fromXml(QStringView xml)
@@ -285,8 +285,7 @@ QZWebTable QZWebTable::fromXml(QStringView xml)
 
 void QZWebTable::loadXmlUtf8(QByteArrayView xml)
 {
-    const WebXmlDocument doc(xml, WebXmlKinds::Table);
-    *this = doc.build([](pugi::xml_node root) { return QZWebTablePrivate::read(root, "table"); });
+    *this = WebXmlStreamReader::readTable(xml);
 }
 
 QZWebTable QZWebTable::fromXmlUtf8(QByteArrayView xml)

@@ -85,6 +85,7 @@ public:
 
 private:
     friend class QZWebTablePrivate;
+    friend class WebXmlStreamReader;
     void compact(); // drops the text of overwritten and removed cells
 
     struct Span

@@ -162,7 +162,7 @@ qsizetype WebXmlDocument::firstLossyReference(const Char *begin, const Char *end
     return -1;
 }
 
-WebXmlDocument::WebXmlDocument(QStringView xml, const WebXmlKind &kind) : m_kind(kind)
+void WebXmlDocument::checkText(QStringView xml, const WebXmlKind &kind)
 {
     // The parser would end the text at a NUL and silently drop unpaired surrogates; both are
     // refused here so that nothing is lost without an error.
@@ -186,20 +186,9 @@ WebXmlDocument::WebXmlDocument(QStringView xml, const WebXmlKind &kind) : m_kind
     }
     if (const qsizetype at = firstLossyReference(xml.utf16(), xml.utf16() + xml.size()); at >= 0)
         throwLossyReference(kind, utf16Position(xml, at));
-    const pugi::xml_parse_result result = m_doc.load_buffer(
-        xml.data(), std::size_t(xml.size()) * sizeof(char16_t), parseFlags, pugi::encoding_utf16);
-    if (result.status == pugi::status_out_of_memory)
-        throw DLVError(OutOfMemory,
-                       QStringLiteral("Out of memory loading the %1").arg(kindText(kind)));
-    if (!result)
-        throwMalformed(kind,
-                       QStringLiteral("%1 at %2")
-                           .arg(QString::fromLatin1(result.description()),
-                                utf16Position(xml, utf16IndexOfUtf8Offset(xml, result.offset))));
-    checkRoot();
 }
 
-WebXmlDocument::WebXmlDocument(QByteArrayView utf8, const WebXmlKind &kind) : m_kind(kind)
+void WebXmlDocument::checkText(QByteArrayView utf8, const WebXmlKind &kind)
 {
     if (const void *nul = std::memchr(utf8.data(), 0, std::size_t(utf8.size())))
         throwMalformed(kind,
@@ -208,15 +197,63 @@ WebXmlDocument::WebXmlDocument(QByteArrayView utf8, const WebXmlKind &kind) : m_
     const auto *bytes = reinterpret_cast<const unsigned char *>(utf8.data());
     if (const qsizetype at = firstLossyReference(bytes, bytes + utf8.size()); at >= 0)
         throwLossyReference(kind, utf8Position(utf8, at));
+}
+
+void WebXmlDocument::throwParseError(QStringView xml, const WebXmlKind &kind,
+                                     const char *description, std::ptrdiff_t offset)
+{
+    throwMalformed(kind, QStringLiteral("%1 at %2")
+                             .arg(QString::fromLatin1(description),
+                                  utf16Position(xml, utf16IndexOfUtf8Offset(xml, offset))));
+}
+
+void WebXmlDocument::throwParseError(QByteArrayView utf8, const WebXmlKind &kind,
+                                     const char *description, std::ptrdiff_t offset)
+{
+    throwMalformed(kind, QStringLiteral("%1 at %2")
+                             .arg(QString::fromLatin1(description), utf8Position(utf8, offset)));
+}
+
+void WebXmlDocument::throwOutOfMemory(const WebXmlKind &kind)
+{
+    throw DLVError(OutOfMemory, QStringLiteral("Out of memory loading the %1").arg(kindText(kind)));
+}
+
+void WebXmlDocument::throwWrongRoot(const WebXmlKind &kind, const QString &found)
+{
+    throw DLVError(DLVError::InvalidCall,
+                   QStringLiteral("The %1 must have the root element <%2>, not <%3>")
+                       .arg(kindText(kind), QString::fromLatin1(kind.root), found));
+}
+
+void WebXmlDocument::throwSecondRoot(const WebXmlKind &kind, const QString &found)
+{
+    throw DLVError(DLVError::InvalidCall,
+                   QStringLiteral("The %1 has a second root element <%2> after <%3>")
+                       .arg(kindText(kind), found, QString::fromLatin1(kind.root)));
+}
+
+WebXmlDocument::WebXmlDocument(QStringView xml, const WebXmlKind &kind) : m_kind(kind)
+{
+    checkText(xml, kind);
+    const pugi::xml_parse_result result = m_doc.load_buffer(
+        xml.data(), std::size_t(xml.size()) * sizeof(char16_t), parseFlags, pugi::encoding_utf16);
+    if (result.status == pugi::status_out_of_memory)
+        throwOutOfMemory(kind);
+    if (!result)
+        throwParseError(xml, kind, result.description(), result.offset);
+    checkRoot();
+}
+
+WebXmlDocument::WebXmlDocument(QByteArrayView utf8, const WebXmlKind &kind) : m_kind(kind)
+{
+    checkText(utf8, kind);
     const pugi::xml_parse_result result =
         m_doc.load_buffer(utf8.data(), std::size_t(utf8.size()), parseFlags, pugi::encoding_utf8);
     if (result.status == pugi::status_out_of_memory)
-        throw DLVError(OutOfMemory,
-                       QStringLiteral("Out of memory loading the %1").arg(kindText(kind)));
+        throwOutOfMemory(kind);
     if (!result)
-        throwMalformed(kind, QStringLiteral("%1 at %2")
-                                 .arg(QString::fromLatin1(result.description()),
-                                      utf8Position(utf8, result.offset)));
+        throwParseError(utf8, kind, result.description(), result.offset);
     checkRoot();
 }
 
@@ -224,31 +261,24 @@ void WebXmlDocument::checkRoot()
 {
     m_root = m_doc.document_element();
     if (!WebXmlText::isNamed(m_root, m_kind.root))
-        throw DLVError(DLVError::InvalidCall,
-                       QStringLiteral("The %1 must have the root element <%2>, not <%3>")
-                           .arg(kindText(m_kind), QString::fromLatin1(m_kind.root),
-                                QString::fromUtf8(m_root.name())));
+        throwWrongRoot(m_kind, QString::fromUtf8(m_root.name()));
     for (pugi::xml_node n = m_root.next_sibling(); n; n = n.next_sibling()) {
         if (n.type() == pugi::node_element)
-            throw DLVError(DLVError::InvalidCall,
-                           QStringLiteral("The %1 has a second root element <%2> after <%3>")
-                               .arg(kindText(m_kind), QString::fromUtf8(n.name()),
-                                    QString::fromLatin1(m_kind.root)));
+            throwSecondRoot(m_kind, QString::fromUtf8(n.name()));
     }
 }
 
-void WebXmlDocument::rethrowWithContext() const
+void WebXmlDocument::rethrowWithContext(const WebXmlKind &kind)
 {
     try {
         throw;
     } catch (const DLVError &e) {
-        qCDebug(lcWebData) << "rejected" << m_kind.description << e.description();
+        qCDebug(lcWebData) << "rejected" << kind.description << e.description();
         throw DLVError(
             e.number(),
-            QStringLiteral("The %1 is invalid: %2").arg(kindText(m_kind), e.description()));
+            QStringLiteral("The %1 is invalid: %2").arg(kindText(kind), e.description()));
     } catch (const std::bad_alloc &) {
-        throw DLVError(OutOfMemory,
-                       QStringLiteral("Out of memory loading the %1").arg(kindText(m_kind)));
+        throwOutOfMemory(kind);
     }
 }
 

@@ -3,6 +3,7 @@
 #include <QByteArrayView>
 #include <QLoggingCategory>
 #include <QStringView>
+#include <cstddef>
 #include <pugixml.hpp>
 
 Q_DECLARE_LOGGING_CATEGORY(lcWebData)
@@ -52,8 +53,27 @@ public:
     template <typename Char>
     [[nodiscard]] static qsizetype firstLossyReference(const Char *begin, const Char *end);
 
+    // The refusals and error texts every reader of host documents shares, so that the tree reader
+    // and the streaming reader (WebXmlStreamReader) fail alike. All throw DLVError.
+
+    /// Refusals before any parsing: a NUL, an unpaired surrogate, a lossy character reference.
+    static void checkText(QStringView xml, const WebXmlKind &kind);
+    static void checkText(QByteArrayView utf8, const WebXmlKind &kind);
+    /// A text that is not well-formed: the parser's description at an offset into the UTF-8 form
+    /// of the text (for UTF-16 text, mapped back to a character index).
+    [[noreturn]] static void throwParseError(QStringView xml, const WebXmlKind &kind,
+                                             const char *description, std::ptrdiff_t offset);
+    [[noreturn]] static void throwParseError(QByteArrayView utf8, const WebXmlKind &kind,
+                                             const char *description, std::ptrdiff_t offset);
+    [[noreturn]] static void throwOutOfMemory(const WebXmlKind &kind);
+    [[noreturn]] static void throwWrongRoot(const WebXmlKind &kind, const QString &found);
+    [[noreturn]] static void throwSecondRoot(const WebXmlKind &kind, const QString &found);
+    /// Inside a catch block: the current DLVError prefixed with the kind of document, or
+    /// DLVError(7) for memory exhaustion.
+    [[noreturn]] static void rethrowWithContext(const WebXmlKind &kind);
+
 private:
-    [[noreturn]] void rethrowWithContext() const;
+    [[noreturn]] void rethrowWithContext() const { rethrowWithContext(m_kind); }
     void checkRoot();
 
     pugi::xml_document m_doc;

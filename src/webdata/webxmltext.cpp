@@ -92,15 +92,20 @@ namespace WebXmlText {
 
 void appendUtf8(std::vector<char16_t> &out, const char *utf8)
 {
-    const std::size_t n = std::strlen(utf8);
+    appendUtf8(out, utf8, utf8 + std::strlen(utf8));
+}
+
+void appendUtf8(std::vector<char16_t> &out, const char *begin, const char *end)
+{
+    const std::size_t n = std::size_t(end - begin);
     if (n == 0)
         return;
     const std::size_t base = out.size();
     // UTF-16 never needs more units than UTF-8 has bytes.
     out.resize(base + n);
-    const auto *p = reinterpret_cast<const unsigned char *>(utf8);
-    char16_t *end = decodeUtf8(p, p + n, out.data() + base);
-    out.resize(std::size_t(end - out.data()));
+    const auto *p = reinterpret_cast<const unsigned char *>(begin);
+    char16_t *written = decodeUtf8(p, p + n, out.data() + base);
+    out.resize(std::size_t(written - out.data()));
 }
 
 QString toQString(const char *utf8)

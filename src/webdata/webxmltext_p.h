@@ -12,6 +12,8 @@ namespace WebXmlText {
 /// Appends the UTF-8 text to out as UTF-16. Throws DLVError(5) on bytes that are not UTF-8
 /// (including encoded surrogates and code points above U+10FFFF).
 void appendUtf8(std::vector<char16_t> &out, const char *utf8);
+/// The same for the bytes [begin, end), which need no terminating NUL.
+void appendUtf8(std::vector<char16_t> &out, const char *begin, const char *end);
 
 /// The UTF-8 text as a QString (names, property values).
 [[nodiscard]] QString toQString(const char *utf8);
