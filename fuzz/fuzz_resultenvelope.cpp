@@ -5,9 +5,9 @@
 // did not report anything left no error behind.
 
 #include "common/dlverror.h"
-#include "control/resultenvelope.h"
 #include "fuzzsupport.h"
 #include "support/recordingreporter.h"
+#include "webdata/resultenvelope.h"
 #include "webdata/webvariant.h"
 
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "control/dlvparams.h"
+#include "common/dlvparams.h"
 #include "profiles/profileexchange.h"
 #include "profiles/profilehost.h"
 #include "support/recordingdialoghost.h"

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "common/dlvparams.h"
 #include "common/paneltrendpoint.h"
 #include "control/dlvgrid.h"
-#include "control/dlvparams.h"
 
 #include <QList>
 #include <QStringList>

@@ -3,9 +3,9 @@
 #include "common/errorreporter.h"
 #include "common/ordereddict.h"
 #include "control/dlviewer.h"
-#include "control/resultenvelope.h"
 #include "model/dlvsurface.h"
 #include "views/outlinegrid.h"
+#include "webdata/resultenvelope.h"
 
 #include <QHash>
 #include <QPointer>

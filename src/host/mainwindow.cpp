@@ -1,8 +1,8 @@
 #include "host/mainwindow.h"
 
 #include "common/dlverror.h"
+#include "common/dlvparams.h"
 #include "control/dlviewer.h"
-#include "control/dlvparams.h"
 #include "host/detailswindow.h"
 #include "host/hostlog.h"
 #include "host/profilestore.h"

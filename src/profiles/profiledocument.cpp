@@ -2,8 +2,8 @@
 
 #include "common/conversions.h"
 #include "common/dlverror.h"
+#include "common/dlvparams.h"
 #include "common/ordereddict.h"
-#include "control/dlvparams.h"
 #include "model/errortrap.h"
 #include "profiles/profilehost.h"
 #include "webdata/qzwebprofile.h"
@@ -22,7 +22,6 @@ const QString kList = QStringLiteral("List");
 // The three collapsed-node lists, in the order of their rows in "CollapsedNodes" and of the grids.
 const QString kListIds[3] = {QStringLiteral("JobTypes"), QStringLiteral("BUWorkOrders"),
                              QStringLiteral("BUPoints")};
-
 
 QZWebTable &requireSection(QZWebProfile &profile, QStringView name)
 {

@@ -1,6 +1,6 @@
 #include "profiles/profileexchange.h"
 
-#include "control/dlvparams.h"
+#include "common/dlvparams.h"
 #include "model/errortrap.h"
 #include "profiles/profileidlist.h"
 #include "profiles/profileslog.h"

@@ -2,9 +2,9 @@
 
 #include "common/errorreporter.h"
 #include "common/ordereddict.h"
-#include "control/resultenvelope.h"
 #include "profiles/profiledocument.h"
 #include "profiles/profilehost.h"
+#include "webdata/resultenvelope.h"
 
 #include <QString>
 #include <QStringList>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "control/dlvparams.h"
+#include "common/dlvparams.h"
 
 #include <QSet>
 #include <QString>

@@ -1,4 +1,4 @@
-#include "control/resultenvelope.h"
+#include "webdata/resultenvelope.h"
 
 #include "common/conversions.h"
 #include "common/dlverror.h"

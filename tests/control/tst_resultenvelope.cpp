@@ -1,6 +1,6 @@
-#include "control/resultenvelope.h"
 #include "scriptedhost.h"
 #include "support/recordingreporter.h"
+#include "webdata/resultenvelope.h"
 #include "webdata/webvariant.h"
 
 #include <QVariant>

@@ -1,7 +1,7 @@
 // The host's windows with the real control: the start-up order, data after "ClientReady", the
 // server switch, detail requests, and the details window's search and export.
+#include "common/dlvparams.h"
 #include "control/dlviewer.h"
-#include "control/dlvparams.h"
 #include "host/detailswindow.h"
 #include "host/detailtablemodel.h"
 #include "host/documentfeed.h"
