@@ -112,6 +112,27 @@ const Char *skipPast(const Char *p, const Char *end, const char *terminator)
     return end;
 }
 
+bool holdsCharacterReference(const unsigned char *begin, const unsigned char *end)
+{
+    for (const unsigned char *p = begin; p < end; ++p) {
+        p = static_cast<const unsigned char *>(std::memchr(p, '&', std::size_t(end - p)));
+        if (!p)
+            return false;
+        if (p + 1 < end && p[1] == '#')
+            return true;
+    }
+    return false;
+}
+
+bool holdsCharacterReference(const char16_t *begin, const char16_t *end)
+{
+    for (const char16_t *p = begin; p + 1 < end; ++p) {
+        if (*p == u'&' && p[1] == u'#')
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 template <typename Char>
@@ -121,6 +142,9 @@ qsizetype WebXmlDocument::firstLossyReference(const Char *begin, const Char *end
     // the string there ("Crew &#0;TAIL" would load as "Crew "); a value too large for its 32-bit
     // arithmetic wraps, possibly to zero. Both are found before parsing. CDATA sections, comments
     // and processing instructions hold no references, so "&#0;" inside them is plain text.
+    // Most documents hold no character reference at all, which one quick search settles.
+    if (!holdsCharacterReference(begin, end))
+        return -1;
     for (const Char *p = begin; p < end; ++p) {
         if (*p == u'<') {
             if (startsWith(p, end, "<![CDATA["))

@@ -79,7 +79,12 @@ inline bool is(Byte c, CharClass cls)
     return (classes[c] & cls) != 0;
 }
 
-bool named(const Byte *name, std::size_t length, const char *literal)
+template <std::size_t N> bool named(const Byte *name, std::size_t length, const char (&literal)[N])
+{
+    return length == N - 1 && std::memcmp(name, literal, N - 1) == 0;
+}
+
+bool namedAs(const Byte *name, std::size_t length, const char *literal)
 {
     return std::strlen(literal) == length && std::memcmp(name, literal, length) == 0;
 }
@@ -243,6 +248,18 @@ public:
     void started(Role role, const std::optional<Span> &attribute);
     void text(Role role, const Byte *begin, const Byte *end, bool cdata);
     void ended(Role role);
+    /// Whether the open row takes another value (else further values are only counted).
+    bool rowTakesValue() const { return m_rowValues < std::size_t(m_table.m_columns.size()); }
+    /// A whole <V>text</V> (or <V/>) of the open row: the steps roleOf, started, text and ended
+    /// would take, in one call.
+    void value(const Byte *begin, const Byte *end)
+    {
+        ++m_rowValues;
+        m_valueStart = std::uint32_t(m_table.m_text.size());
+        if (begin != end)
+            appendText(m_table.m_text, begin, end, false);
+        ended(Role::Value);
+    }
 
     bool building() const { return m_building; }
     void fail(const DLVError &error)
@@ -306,7 +323,7 @@ Role WebXmlStreamReader::Builder::roleOf(Role parent, bool atRoot, const Byte *n
             return Role::Skip;
         }
         m_rootSeen = true;
-        if (!named(name, length, m_kind.root)) {
+        if (!namedAs(name, length, m_kind.root)) {
             m_rootError = RootError{
                 true, QString::fromUtf8(reinterpret_cast<const char *>(name), qsizetype(length))};
             m_building = false;
@@ -385,7 +402,15 @@ QString WebXmlStreamReader::Builder::attributeText(const std::optional<Span> &at
 void WebXmlStreamReader::Builder::appendText(std::vector<char16_t> &out, const Byte *begin,
                                              const Byte *end, bool cdata)
 {
-    if (cdata || !std::memchr(begin, '&', std::size_t(end - begin))) {
+    // Most values are short ASCII (codes and counts): widened in place, without the decoder.
+    const Byte *p = begin;
+    while (p < end && *p < 0x80 && *p != '&')
+        ++p;
+    if (p == end) {
+        out.insert(out.end(), begin, end);
+        return;
+    }
+    if (cdata || !std::memchr(p, '&', std::size_t(end - p))) {
         WebXmlText::appendUtf8(out, reinterpret_cast<const char *>(begin),
                                reinterpret_cast<const char *>(end));
         return;
@@ -636,6 +661,7 @@ private:
     }
 
     bool tag(const Byte *&s);
+    bool quickValue(const Byte *&s);
     bool startElement(const Byte *&s);
     bool endElement(const Byte *&s);
     bool question(const Byte *&s);
@@ -701,9 +727,39 @@ template <typename B> std::optional<ParseError> Tokenizer<B>::run()
     return std::nullopt;
 }
 
+// Most of a data message is "<V>text</V>" inside rows. Those are read here in one step when they
+// are plainly written; anything else in a row (attributes, blanks, markup inside the value, an
+// extra value) takes the general path, which reads it the same way.
+template <typename B> bool Tokenizer<B>::quickValue(const Byte *&s)
+{
+    if (m_stack.empty() || m_stack.back().role != Role::Row || !m_builder.building() ||
+        !m_builder.rowTakesValue())
+        return false;
+    if (at(s + 1) == '/' && at(s + 2) == '>') {
+        m_stack.back().hasChild = true;
+        build([&] { m_builder.value(s, s); });
+        s += 3;
+        return true;
+    }
+    if (at(s + 1) != '>')
+        return false;
+    const Byte *text = s + 2;
+    const Byte *q = text;
+    while (q < m_end && *q != '<')
+        ++q;
+    if (at(q + 1) != '/' || at(q + 2) != 'V' || at(q + 3) != '>')
+        return false;
+    m_stack.back().hasChild = true;
+    build([&] { m_builder.value(text, q); });
+    s = q + 4;
+    return true;
+}
+
 template <typename B> bool Tokenizer<B>::tag(const Byte *&s)
 {
     const unsigned c = at(s);
+    if (c == 'V' && quickValue(s))
+        return true;
     if (is(Byte(c), StartSymbol) && c != 0)
         return startElement(s);
     if (c == '/')
@@ -801,7 +857,7 @@ template <typename B> bool Tokenizer<B>::startElement(const Byte *&s)
             if (at(s) != 0 && is(Byte(at(s)), StartSymbol))
                 return fail(pugi::status_bad_attribute, s);
             if (wanted && !attribute &&
-                named(attributeName, std::size_t(attributeNameEnd - attributeName), wanted))
+                namedAs(attributeName, std::size_t(attributeNameEnd - attributeName), wanted))
                 attribute = Span{value, closing};
             continue;
         }
