@@ -23,6 +23,7 @@
 #include <QRadioButton>
 #include <QTabBar>
 #include <QTreeWidget>
+#include <array>
 #include <cmath>
 
 namespace {
@@ -90,17 +91,20 @@ void DLViewerPrivate::setGridColumnWidths(double widthTwips)
     const PanelLayout::Result r = PanelLayout::compute(widthTwips, 0, twipsPerPixelX());
     OutlineGrid &summary = grids[0];
     // No redraw suspension here: resuming would reset the views' models on every resize, while a
-    // width change only re-lays the header.
+    // width change only re-lays the header. All widths of a grid go in one call, so that its view
+    // lays out once per resize rather than once per column.
     if (summary.colCount() == PanelLayout::kSummaryColumns) {
-        for (int c = 0; c < PanelLayout::kSummaryColumns; ++c)
-            summary.setColWidth(c, Conv::toLong(r.summaryColumnWidths[std::size_t(c)]));
+        std::array<int, PanelLayout::kSummaryColumns> widths{};
+        for (std::size_t c = 0; c < widths.size(); ++c)
+            widths[c] = Conv::toLong(r.summaryColumnWidths[c]);
+        summary.setColWidths(widths);
     }
+    std::array<int, PanelLayout::kHierarchyColumns> widths{};
+    for (std::size_t c = 0; c < widths.size(); ++c)
+        widths[c] = Conv::toLong(r.hierarchyColumnWidths[c]);
     for (std::size_t i = 1; i <= 2; ++i) {
-        OutlineGrid &grid = grids[i];
-        if (grid.colCount() != PanelLayout::kHierarchyColumns)
-            continue;
-        for (int c = 0; c < PanelLayout::kHierarchyColumns; ++c)
-            grid.setColWidth(c, Conv::toLong(r.hierarchyColumnWidths[std::size_t(c)]));
+        if (grids[i].colCount() == PanelLayout::kHierarchyColumns)
+            grids[i].setColWidths(widths);
     }
 }
 

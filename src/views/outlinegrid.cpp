@@ -499,6 +499,21 @@ void OutlineGrid::setColWidth(int col, int twips)
     notifyLayout();
 }
 
+void OutlineGrid::setColWidths(std::span<const int> twips)
+{
+    if (twips.empty())
+        return;
+    checkCol(int(twips.size()) - 1);
+    bool changed = false;
+    for (std::size_t c = 0; c < twips.size(); ++c) {
+        const int w = std::max(0, twips[c]);
+        changed = changed || m_colWidths[c] != w;
+        m_colWidths[c] = w;
+    }
+    if (changed)
+        notifyLayout();
+}
+
 int OutlineGrid::rowHeight(int row) const
 {
     checkRow(row);

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QtGlobal>
 #include <functional>
+#include <span>
 #include <vector>
 
 /// The data of one outline grid: the cells, row data, outline tree and layout numbers that the
@@ -139,6 +140,10 @@ public:
     [[nodiscard]] int colWidth(int col) const;
     /// Width in twips; 0 hides the column.
     void setColWidth(int col, int twips);
+    /// Widths of columns 0 to twips.size() - 1 at once, with one layout notice when any changed:
+    /// a view then lays itself out once instead of once per column. Throws DLVError(9), changing
+    /// nothing, when there are more widths than columns.
+    void setColWidths(std::span<const int> twips);
     [[nodiscard]] bool isColHidden(int col) const { return colWidth(col) == 0; }
     [[nodiscard]] int rowHeight(int row) const;
     void setRowHeight(int row, int twips);

@@ -337,3 +337,58 @@ TEST(OutlineGrid, CommaTextQuotesAndGuardsFormulas)
         EXPECT_EQ(g.commaText(), field + "\r\n") << name;
     }
 }
+
+namespace {
+
+/// Counts the layout notices a grid sends.
+class LayoutNoticeCounter final : public OutlineGrid::Observer
+{
+public:
+    void gridStructureAboutToChange() override {}
+    void gridStructureChanged() override {}
+    void gridCellsChanged(int, int, int, int) override {}
+    void gridCollapseStateChanged(int) override {}
+    void gridLayoutSettingsChanged() override { ++notices; }
+    void gridCurrentCellChanged(int, int) override {}
+    void gridRedrawSuspended() override {}
+    void gridRedrawResumed() override {}
+    void gridDestroyed() override {}
+    int notices = 0;
+};
+
+} // namespace
+
+TEST(OutlineGrid, ColumnWidthsAtOnceSendOneLayoutNotice)
+{
+    constexpr int D = OutlineGrid::DefaultColWidth;
+    struct Case
+    {
+        std::vector<int> widths;
+        int notices;
+        int error;
+        std::vector<int> after;
+    };
+    // Applied in turn to one grid of four columns.
+    const Case cases[] = {
+        {{100, 200, -5}, 1, 0, {100, 200, 0, D}}, // negative widths hide, like setColWidth
+        {{100, 200, 0}, 0, 0, {100, 200, 0, D}},  // nothing changed: no notice
+        {{}, 0, 0, {100, 200, 0, D}},
+        {{1, 2, 3, 4}, 1, 0, {1, 2, 3, 4}},
+        {{9, 9, 9, 9, 9}, 0, 9, {1, 2, 3, 4}}, // more widths than columns: nothing changes
+    };
+    OutlineGrid g;
+    fill(g, 4, {{"a"}});
+    LayoutNoticeCounter counter;
+    g.addObserver(&counter);
+    for (const Case &c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.widths));
+        counter.notices = 0;
+        EXPECT_EQ(errorNumber([&] { g.setColWidths(c.widths); }), c.error);
+        EXPECT_EQ(counter.notices, c.notices);
+        std::vector<int> after;
+        for (int col = 0; col < g.colCount(); ++col)
+            after.push_back(g.colWidth(col));
+        EXPECT_EQ(after, c.after);
+    }
+    g.removeObserver(&counter);
+}
