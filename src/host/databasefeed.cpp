@@ -131,6 +131,10 @@ QString DatabaseFeed::hoursText(qint64 minutes)
 
 DataFeed::Frame DatabaseFeed::read(QString *error)
 {
+    // After a failed refresh the connection may be gone (a database server that restarted does
+    // not take it back): open it afresh.
+    if (m_failed)
+        m_database->reconnect();
     QSqlDatabase db = m_database->database();
     // One snapshot for every statement: figures and records must describe the same moment.
     if (!db.transaction()) {
@@ -300,6 +304,7 @@ DataFeed::Frame DatabaseFeed::next()
     }
     QString error;
     Frame frame = read(&error);
+    m_failed = !frame.message;
     if (frame.message)
         return frame;
     // Like a server that went down: the control keeps its figures and marks them; the next

@@ -50,6 +50,7 @@ private:
     int m_refreshSeconds;
     Frame m_first; // read when opened, sent by the first next()
     bool m_firstPending = true;
+    bool m_failed = false; // the last refresh could not read the database
     QStringList m_unitIds;
     QString m_position;
 };

@@ -101,6 +101,9 @@ std::unique_ptr<WorkOrderDatabase> WorkOrderDatabase::open(const QString &url, M
         db.setConnectOptions(options.join(u';'));
         QUrl shown = parsed;
         shown.setPassword(QString());
+        QUrlQuery shownQuery(parsed);
+        shownQuery.removeAllQueryItems(QStringLiteral("password"));
+        shown.setQuery(shownQuery);
         result->m_displayName = shown.toString();
     } else {
         QString path = colon > 1 ? trimmed.mid(colon + 1) : trimmed;
@@ -138,6 +141,13 @@ WorkOrderDatabase::~WorkOrderDatabase()
             db.close();
     }
     QSqlDatabase::removeDatabase(m_connection);
+}
+
+bool WorkOrderDatabase::reconnect()
+{
+    QSqlDatabase db = database();
+    db.close();
+    return db.open();
 }
 
 QSqlDatabase WorkOrderDatabase::database() const

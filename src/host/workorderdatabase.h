@@ -39,6 +39,8 @@ public:
     WorkOrderDatabase &operator=(const WorkOrderDatabase &) = delete;
 
     [[nodiscard]] QSqlDatabase database() const;
+    /// Closes and opens the connection again (a server that restarted drops its connections).
+    bool reconnect();
     [[nodiscard]] bool isPostgres() const { return m_postgres; }
     /// The URL without its password, for messages and the status bar.
     [[nodiscard]] const QString &displayName() const { return m_displayName; }

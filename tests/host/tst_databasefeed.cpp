@@ -474,23 +474,34 @@ public:
             m_skip = "initdb failed: " + m_output;
             return;
         }
-        const QString options = QStringLiteral("-k %1 -c listen_addresses= -p %2 -c fsync=off")
-                                    .arg(m_dir.path())
-                                    .arg(kPort);
-        if (!run(QStringLiteral("pg_ctl"),
-                 {"-D", data, "-o", options, "-w", "-t", "30", "-l",
-                  m_dir.filePath(QStringLiteral("server.log")), "start"})) {
+        if (!start()) {
             m_skip = "the server did not start: " + m_output;
             return;
         }
-        m_running = true;
+    }
+
+    bool start()
+    {
+        const QString options = QStringLiteral("-k %1 -c listen_addresses= -p %2 -c fsync=off")
+                                    .arg(m_dir.path())
+                                    .arg(kPort);
+        m_running = run(QStringLiteral("pg_ctl"),
+                        {"-D", m_dir.filePath(QStringLiteral("data")), "-o", options, "-w", "-t",
+                         "30", "-l", m_dir.filePath(QStringLiteral("server.log")), "start"});
+        return m_running;
+    }
+
+    bool stop()
+    {
+        m_running = !run(QStringLiteral("pg_ctl"), {"-D", m_dir.filePath(QStringLiteral("data")),
+                                                    "-m", "fast", "-w", "stop"});
+        return !m_running;
     }
 
     ~PostgresServer()
     {
         if (m_running)
-            (void)run(QStringLiteral("pg_ctl"),
-                      {"-D", m_dir.filePath(QStringLiteral("data")), "-m", "immediate", "stop"});
+            (void)stop();
     }
 
     [[nodiscard]] const std::string &skipReason() const { return m_skip; }
@@ -582,6 +593,12 @@ TEST_F(DatabaseFeedTest, PostgreSqlGivesTheSameFiguresAndRecordsAsSqlite)
     for (const QStringList &row : keyed(tableOf(after, u"BUGeneralInfo"), 1))
         EXPECT_EQ(row.at(1), "0");
     EXPECT_TRUE(after.details->technicians.empty());
+
+    // A server that goes away stops the data; once it is back, the next refresh reads again.
+    ASSERT_TRUE(server.stop());
+    EXPECT_EQ(postgres->next().message->name(), "DLVServerStopped");
+    ASSERT_TRUE(server.start());
+    EXPECT_EQ(postgres->next().message->name(), "DLVData") << postgres->position().toStdString();
     EXPECT_FALSE(postgres->description().contains(QStringLiteral("password")));
 }
 
