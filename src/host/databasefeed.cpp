@@ -3,6 +3,7 @@
 #include "host/documentfeed.h"
 #include "host/hostlog.h"
 #include "host/workorderdatabase.h"
+#include "host/workordersimulator.h"
 #include "webdata/qzwebdata.h"
 #include "webdata/qzwebmessage.h"
 #include "webdata/qzwebtable.h"
@@ -90,7 +91,7 @@ DatabaseFeed::DatabaseFeed(std::unique_ptr<WorkOrderDatabase> database, int refr
 DatabaseFeed::~DatabaseFeed() = default;
 
 std::unique_ptr<DatabaseFeed> DatabaseFeed::open(const QString &url, QString *error,
-                                                 int refreshSeconds)
+                                                 int refreshSeconds, bool simulate, quint32 seed)
 {
     auto fail = [error](const QString &text) {
         if (error)
@@ -106,6 +107,12 @@ std::unique_ptr<DatabaseFeed> DatabaseFeed::open(const QString &url, QString *er
         return fail(tr("%1: not a work-order database: %2").arg(database->displayName(), problem));
 
     std::unique_ptr<DatabaseFeed> feed(new DatabaseFeed(std::move(database), refreshSeconds));
+    if (simulate) {
+        feed->m_writer = WorkOrderDatabase::open(url, WorkOrderDatabase::Mode::Create, &problem);
+        if (!feed->m_writer)
+            return fail(problem);
+        feed->m_simulator = std::make_unique<WorkOrderSimulator>(*feed->m_writer, seed);
+    }
     feed->m_first = feed->read(&problem);
     if (!feed->m_first.message)
         return fail(tr("%1: %2").arg(feed->m_database->displayName(), problem));
@@ -144,6 +151,7 @@ DataFeed::Frame DatabaseFeed::read(QString *error)
     auto data = std::make_shared<QZWebData>();
     auto records = std::make_shared<DetailRecords>();
     auto message = std::make_shared<QZWebMessage>(QStringLiteral("DLVData"));
+    QString clock; // the moment the data describe, when the database records one
     try {
         if (m_database->isPostgres())
             (void)runQuery(db, QStringLiteral("SET TRANSACTION ISOLATION LEVEL REPEATABLE READ, "
@@ -153,6 +161,7 @@ DataFeed::Frame DatabaseFeed::read(QString *error)
         for (QSqlQuery q = runQuery(db, QStringLiteral("SELECT name, value FROM settings"));
              q.next();)
             settings.insert(field(q, 0).trimmed(), field(q, 1));
+        clock = settings.value(QStringLiteral("clock")).trimmed().section(u' ', -1);
 
         QZWebTable units(
             QStringLiteral("BusinessUnits"),
@@ -293,6 +302,8 @@ DataFeed::Frame DatabaseFeed::read(QString *error)
                      .arg(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")))
                      .arg(records->workOrders.size())
                      .arg(records->technicians.size());
+    if (!clock.isEmpty())
+        m_position += tr(", day at %1").arg(clock);
     return {std::move(message), std::move(records)};
 }
 
@@ -303,6 +314,11 @@ DataFeed::Frame DatabaseFeed::next()
         return std::move(m_first);
     }
     QString error;
+    if (m_simulator) {
+        const QString problem = m_simulator->advance();
+        if (!problem.isEmpty())
+            qCWarning(lcHost) << "the work-order day cannot be moved on:" << problem;
+    }
     Frame frame = read(&error);
     m_failed = !frame.message;
     if (frame.message)

@@ -8,6 +8,7 @@
 #include <memory>
 
 class WorkOrderDatabase;
+class WorkOrderSimulator;
 
 /// Data from a work-order database (schema: src/host/sql/schema.sql; URL forms: see
 /// WorkOrderDatabase). Every refresh reads the database afresh inside one read transaction:
@@ -28,8 +29,12 @@ public:
     /// in *error, for a URL that cannot be opened, missing tables or columns, or data the control
     /// cannot take. refreshSeconds gives "tqDBRefreshInterval" when the database's settings do
     /// not.
+    /// With `simulate`, every refresh after the first moves the day on by one step first
+    /// (WorkOrderSimulator, seeded with `seed`), through a connection of its own that writes.
     [[nodiscard]] static std::unique_ptr<DatabaseFeed> open(const QString &url, QString *error,
-                                                            int refreshSeconds = 30);
+                                                            int refreshSeconds = 30,
+                                                            bool simulate = false,
+                                                            quint32 seed = 0);
     ~DatabaseFeed() override;
 
     [[nodiscard]] Frame next() override;
@@ -47,6 +52,8 @@ private:
     [[nodiscard]] Frame read(QString *error);
 
     std::unique_ptr<WorkOrderDatabase> m_database;
+    std::unique_ptr<WorkOrderDatabase> m_writer;     // only while simulating
+    std::unique_ptr<WorkOrderSimulator> m_simulator; // works through m_writer
     int m_refreshSeconds;
     Frame m_first; // read when opened, sent by the first next()
     bool m_firstPending = true;

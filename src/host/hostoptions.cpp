@@ -35,6 +35,11 @@ struct Parser
         QCoreApplication::translate("HostOptions",
                                     "Time of day of the generated day (default 10:30)."),
         QStringLiteral("HH:MM")};
+    QCommandLineOption dbSimulate{
+        QStringLiteral("db-simulate"),
+        QCoreApplication::translate("HostOptions",
+                                    "With --db: move the database's day on by ten minutes at "
+                                    "every refresh (writes to the database).")};
     QCommandLineOption lang{QStringLiteral("lang"),
                             QStringLiteral("Language of the control: EN, PO or SP (default EN)."),
                             QStringLiteral("EN|PO|SP")};
@@ -120,7 +125,7 @@ struct Parser
                            "the first complete fill.\nExit status: 0 success, 1 an output "
                            "failed, 2 bad arguments, 3 unreadable or invalid data document."));
         parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-        parser.addOptions({maxDocument, unitTree, db, dbGenerate, dbClock});
+        parser.addOptions({maxDocument, unitTree, db, dbGenerate, dbClock, dbSimulate});
         parser.addOptions({data,       lang,     user,       profiles, sessionUnits, refresh,
                            seed,       select,   aggregate,  display,  tab,          profile,
                            exportCsv,  printPdf, screenshot, panel,    freshness,    changeCues,
@@ -214,6 +219,9 @@ HostOptions HostOptions::parse(const QStringList &arguments)
         return error(QCoreApplication::translate("HostOptions",
                                                  "--data and --db are two data sources; give "
                                                  "one of them"));
+    o.dbSimulate = p.parser.isSet(p.dbSimulate);
+    if (o.dbSimulate && o.dbUrl.isEmpty())
+        return error(QCoreApplication::translate("HostOptions", "--db-simulate needs --db"));
     if (!nonEmpty(p.dbGenerate, &o.dbGenerate))
         return error(
             QCoreApplication::translate("HostOptions", "--db-generate needs a database URL"));

@@ -48,10 +48,11 @@ public:
     Action action = Action::Run;
     QString errorMessage;
 
-    QString dataPath;   ///< empty: the built-in demo (or the work-order database dbUrl)
-    QString dbUrl;      ///< a work-order database to read on every refresh
-    QString dbGenerate; ///< the work-order database to generate
-    QString dbClock;    ///< the time of day of the generated day ("HH:mm"), empty: 10:30
+    QString dataPath;        ///< empty: the built-in demo (or the work-order database dbUrl)
+    QString dbUrl;           ///< a work-order database to read on every refresh
+    QString dbGenerate;      ///< the work-order database to generate
+    QString dbClock;         ///< the time of day of the generated day ("HH:mm"), empty: 10:30
+    bool dbSimulate = false; ///< move the database's day on at every refresh
     QString language = QStringLiteral("EN");
     QString user;             ///< empty: the login name
     QString profilesPath;     ///< empty: the default store

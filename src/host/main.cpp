@@ -124,7 +124,8 @@ int main(int argc, char **argv)
     std::unique_ptr<DataFeed> feed;
     if (!options.dbUrl.isEmpty()) {
         QString error;
-        feed = DatabaseFeed::open(options.dbUrl, &error, options.refreshSeconds);
+        feed = DatabaseFeed::open(options.dbUrl, &error, options.refreshSeconds, options.dbSimulate,
+                                  options.seedGiven ? options.seed : DemoFeed::DefaultSeed);
         if (!feed) {
             printError(error);
             return HostOptions::ExitBadData;

@@ -365,6 +365,9 @@ QString WorkOrderGenerator::write(WorkOrderDatabase &database) const
            {QStringLiteral("jeopardy_threshold_minutes"), QString::number(JeopardyMinutes)});
     insert(QStringLiteral("INSERT INTO settings (name, value) VALUES (?, ?)"),
            {QStringLiteral("company_name"), companyName()});
+    // The moment the records describe; --db-simulate moves it on.
+    insert(QStringLiteral("INSERT INTO settings (name, value) VALUES (?, ?)"),
+           {QStringLiteral("clock"), timestamp(m_clock)});
     for (const auto &[language, format] :
          {std::pair{"EN", "h:nn AM/PM"}, std::pair{"PO", "hh:nn"}, std::pair{"SP", "hh:nn"}})
         insert(QStringLiteral("INSERT INTO regional_formats (language_code, time_format) "

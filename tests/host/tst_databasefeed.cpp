@@ -18,6 +18,7 @@
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <array>
+#include <cmath>
 #include <gtest/gtest.h>
 #include <map>
 #include <unistd.h>
@@ -434,6 +435,69 @@ TEST_F(DatabaseFeedTest, TheGeneratorDoesNotOverwriteADatabase)
     ASSERT_TRUE(q.exec(QStringLiteral("SELECT COUNT(*) FROM work_orders")) && q.next());
     EXPECT_EQ(q.value(0).toInt(),
               int(WorkOrderGenerator(8, QTime(10, 0), kDay).workOrders().size()));
+}
+
+qint64 sumOf(const QZWebTable &table, QStringView column)
+{
+    qint64 sum = 0;
+    for (int r = 1; r <= table.rowCount(); ++r)
+        sum += qint64(std::llround(table.field(r, column).toDouble() * 100));
+    return sum; // hundredths, for hours
+}
+
+TEST_F(DatabaseFeedTest, SimulationMovesTheDayOnWithFiguresAndRecordsInStep)
+{
+    const QString path = generated(12, QTime(9, 0));
+    QString error;
+    auto feed = DatabaseFeed::open(path, &error, 30, true, 5);
+    ASSERT_TRUE(feed) << error.toStdString();
+    const DataFeed::Frame first = feed->next();
+    EXPECT_TRUE(feed->position().contains(QStringLiteral("day at 09:00")))
+        << feed->position().toStdString();
+    DataFeed::Frame frame;
+    for (int step = 0; step < 6; ++step)
+        frame = feed->next();
+    ASSERT_EQ(frame.message->name(), "DLVData");
+    EXPECT_TRUE(feed->position().contains(QStringLiteral("day at 10:00")))
+        << feed->position().toStdString();
+    expectDrillDownsMatch(frame);
+
+    // An hour of work: more orders finished, an hour more on the clock for everyone on shift,
+    // and every order still open has the status its due time gives at 10:00.
+    auto finished = [](const DataFeed::Frame &f) {
+        return sumOf(tableOf(f, u"BUDetailsInfo"), u"WOCompleted") +
+               sumOf(tableOf(f, u"BUDetailsInfo"), u"WONotDone");
+    };
+    EXPECT_GT(finished(frame), finished(first) + 100 * 100);
+    EXPECT_EQ(sumOf(tableOf(frame, u"BUGeneralInfo"), u"TechCount"),
+              sumOf(tableOf(first, u"BUGeneralInfo"), u"TechCount"));
+    EXPECT_GT(sumOf(tableOf(frame, u"BUGeneralInfo"), u"HoursWorked"),
+              sumOf(tableOf(first, u"BUGeneralInfo"), u"HoursWorked"));
+    EXPECT_EQ(sumOf(tableOf(frame, u"BUGeneralInfo"), u"HoursWorked") +
+                  sumOf(tableOf(frame, u"BUGeneralInfo"), u"HoursRemaining"),
+              sumOf(tableOf(first, u"BUGeneralInfo"), u"HoursWorked") +
+                  sumOf(tableOf(first, u"BUGeneralInfo"), u"HoursRemaining"))
+        << "shifts keep their length";
+    const QTime now(10, 0);
+    for (const auto &o : frame.details->workOrders) {
+        if (DetailRecords::isFinal(o.status) || !o.due.isValid())
+            continue;
+        const int left = now.secsTo(o.due) / 60;
+        const auto want = left < 0     ? DetailRecords::Status::Late
+                          : left <= 30 ? DetailRecords::Status::Jeopardy
+                          : left <= 60 ? DetailRecords::Status::Warning
+                                       : DetailRecords::Status::Open;
+        EXPECT_EQ(int(o.status), int(want)) << o.id.toStdString();
+    }
+
+    // A database without a clock is read as it is.
+    auto writer = openForWriting(path);
+    ASSERT_TRUE(writer);
+    exec(*writer, {"DELETE FROM settings WHERE name = 'clock'"});
+    const DataFeed::Frame still = feed->next();
+    ASSERT_EQ(still.message->name(), "DLVData");
+    EXPECT_EQ(keyed(tableOf(still, u"BUDetailsInfo"), 3),
+              keyed(tableOf(frame, u"BUDetailsInfo"), 3));
 }
 
 // A private PostgreSQL cluster in a temporary folder, reached through a Unix socket in that

@@ -260,6 +260,7 @@ TEST_F(HostProcessTest, FailuresEndWithTheirStatusAndOneLineOnStandardError)
         {{"--db", "$TMP/a.sqlite", "--data", "$DATA/two-crews.xml"}, 2, "--db"},
         {{"--db-generate", "$TMP/b.sqlite", "--panel"}, 2, "--db-generate"},
         {{"--db-generate", "$TMP/b.sqlite", "--db-clock", "25:00"}, 2, "25:00"},
+        {{"--db-simulate", "--panel"}, 2, "--db-simulate"},
     };
     for (const auto &c : cases) {
         QStringList args = c.args;
