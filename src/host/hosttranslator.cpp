@@ -8,26 +8,26 @@
 
 namespace {
 
-struct Translation
+struct HostTranslation
 {
     const char *code;   // the host's --lang code
     const char *locale; // the locale of Qt's own translation files
     const char *file;   // the host's embedded translation
 };
-constexpr Translation kTranslations[] = {
+constexpr HostTranslation kHostTranslations[] = {
     {"PO", "pt_BR", ":/i18n/dlvhost_pt.qm"},
     {"SP", "es", ":/i18n/dlvhost_es.qm"},
 };
 
-const Translation *find(const QString &languageCode)
+const HostTranslation *translationFor(const QString &languageCode)
 {
-    for (const Translation &t : kTranslations)
+    for (const HostTranslation &t : kHostTranslations)
         if (languageCode == QLatin1String(t.code))
             return &t;
     return nullptr;
 }
 
-std::unique_ptr<QTranslator> install(const QString &file, const QString &folder = {})
+std::unique_ptr<QTranslator> loadAndInstall(const QString &file, const QString &folder = {})
 {
     auto translator = std::make_unique<QTranslator>();
     if (!translator->load(file, folder) || !QCoreApplication::installTranslator(translator.get()))
@@ -39,16 +39,16 @@ std::unique_ptr<QTranslator> install(const QString &file, const QString &folder 
 
 HostTranslator::HostTranslator(const QString &languageCode)
 {
-    const Translation *t = find(languageCode);
+    const HostTranslation *t = translationFor(languageCode);
     if (!t)
         return;
-    m_host = install(QString::fromLatin1(t->file));
+    m_host = loadAndInstall(QString::fromLatin1(t->file));
     // The host's texts are built in, so this is a broken build rather than a user's problem.
     if (!m_host)
         qCWarning(lcHost) << "the host's translation" << t->file << "could not be loaded";
     // Optional: without the system's Qt translations the standard buttons stay English.
-    m_qt = install(QStringLiteral("qtbase_") + QLatin1String(t->locale),
-                   QLibraryInfo::path(QLibraryInfo::TranslationsPath));
+    m_qt = loadAndInstall(QStringLiteral("qtbase_") + QLatin1String(t->locale),
+                          QLibraryInfo::path(QLibraryInfo::TranslationsPath));
     if (!m_qt)
         qCInfo(lcHost) << "Qt's own translation for" << t->locale << "is not installed";
 }
@@ -58,6 +58,6 @@ HostTranslator::~HostTranslator() = default;
 
 QString HostTranslator::localeName(const QString &languageCode)
 {
-    const Translation *t = find(languageCode);
+    const HostTranslation *t = translationFor(languageCode);
     return t ? QString::fromLatin1(t->locale) : QString();
 }

@@ -34,7 +34,7 @@ const QStringList kSameInEveryLanguage = {QStringLiteral("English (EN)"),
                                           QStringLiteral("Português (PO)"),
                                           QStringLiteral("Español (SP)")};
 
-struct Language
+struct HostLanguageCase
 {
     const char *code;
     QStringList menuTitles;
@@ -48,7 +48,7 @@ struct Language
     const char *closeButton;
 };
 
-const Language kLanguages[] = {
+const HostLanguageCase kHostLanguageCases[] = {
     {"PO",
      {"&Arquivo", "&Dados", "&Exibir", "&Idioma", "A&juda"},
      " – enviado às ",
@@ -75,7 +75,7 @@ const Language kLanguages[] = {
      "Cerrar"},
 };
 
-QString plain(QString text)
+QString withoutMnemonics(QString text)
 {
     return text.remove(u'&');
 }
@@ -132,7 +132,7 @@ protected:
 TEST_F(HostLanguageTest, MenusStatusBarAndTrendDockAreInTheChosenLanguage)
 {
     const QList<QStringList> english = menuTexts(*makeWindow("EN"));
-    for (const Language &l : kLanguages) {
+    for (const HostLanguageCase &l : kHostLanguageCases) {
         SCOPED_TRACE(l.code);
         const HostTranslator translator(QString::fromLatin1(l.code));
         auto window = makeWindow(l.code);
@@ -163,7 +163,8 @@ TEST_F(HostLanguageTest, MenusStatusBarAndTrendDockAreInTheChosenLanguage)
 
         // The stopped-server hint names the menu path as the menus spell it.
         window->stopServer();
-        const QString path = plain(menus[1].front()) + QStringLiteral(" ▸ ") + plain(menus[1][3]);
+        const QString path = withoutMnemonics(menus[1].front()) + QStringLiteral(" ▸ ") +
+                             withoutMnemonics(menus[1][3]);
         EXPECT_TRUE(state->text().contains(path))
             << state->text().toStdString() << " lacks " << path.toStdString();
         window->restartServer();
@@ -197,7 +198,7 @@ TEST_F(HostLanguageTest, MenusStatusBarAndTrendDockAreInTheChosenLanguage)
 
 TEST_F(HostLanguageTest, DetailsWindowIsInTheChosenLanguage)
 {
-    for (const Language &l : kLanguages) {
+    for (const HostLanguageCase &l : kHostLanguageCases) {
         SCOPED_TRACE(l.code);
         const HostTranslator translator(QString::fromLatin1(l.code));
         auto window = makeWindow(l.code);
@@ -233,7 +234,7 @@ TEST_F(HostLanguageTest, DetailsWindowIsInTheChosenLanguage)
         ASSERT_TRUE(buttons);
         QAbstractButton *close = buttons->button(QDialogButtonBox::Close);
         ASSERT_TRUE(close);
-        EXPECT_EQ(plain(close->text()), QString::fromUtf8(l.closeButton));
+        EXPECT_EQ(withoutMnemonics(close->text()), QString::fromUtf8(l.closeButton));
 #ifdef DLV_SCREENSHOT_DIR
         details.grab().save(QStringLiteral(DLV_SCREENSHOT_DIR "/host-details-%1.png")
                                 .arg(QString::fromLatin1(l.code).toLower()));

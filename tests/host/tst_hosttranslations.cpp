@@ -18,7 +18,7 @@
 namespace {
 
 const QString kHostSources = QStringLiteral(DLV_SOURCE_DIR "/src/host");
-const QString kTranslations = QStringLiteral(DLV_SOURCE_DIR "/src/host/translations");
+const QString kHostTsFolder = QStringLiteral(DLV_SOURCE_DIR "/src/host/translations");
 
 struct TsMessage
 {
@@ -84,7 +84,7 @@ TsFile readTs(const QString &path)
     return ts;
 }
 
-QStringList placeholders(const QString &text)
+QStringList tsPlaceholders(const QString &text)
 {
     static const QRegularExpression marker(QStringLiteral("%(\\d+|n)"));
     QStringList found;
@@ -95,7 +95,7 @@ QStringList placeholders(const QString &text)
 }
 
 // Shortcut letters of menus and buttons ("&Quit"); "&&" is a literal ampersand.
-int mnemonics(QString text)
+int tsMnemonics(QString text)
 {
     text.remove(QStringLiteral("&&"));
     int count = 0;
@@ -113,7 +113,7 @@ bool edgeBlanksDiffer(const QString &a, const QString &b)
 }
 
 // One line per fault: "Context "source": what is wrong".
-QStringList problems(const TsFile &ts)
+QStringList translationProblems(const TsFile &ts)
 {
     QStringList out;
     for (const TsMessage &m : ts.messages) {
@@ -129,9 +129,9 @@ QStringList problems(const TsFile &ts)
         for (const QString &form : m.forms) {
             if (form.trimmed().isEmpty())
                 out.append(where + QStringLiteral("empty translation"));
-            else if (placeholders(form) != placeholders(m.source))
+            else if (tsPlaceholders(form) != tsPlaceholders(m.source))
                 out.append(where + QStringLiteral("placeholders differ in \"%1\"").arg(form));
-            else if (mnemonics(form) != mnemonics(m.source))
+            else if (tsMnemonics(form) != tsMnemonics(m.source))
                 out.append(where + QStringLiteral("shortcut letter differs in \"%1\"").arg(form));
             else if (edgeBlanksDiffer(form, m.source))
                 out.append(where +
@@ -169,7 +169,7 @@ TEST(HostTranslations, EveryHostTextHasACompleteTranslationInEachLanguage)
         QTemporaryDir dir;
         ASSERT_TRUE(dir.isValid());
         const QString copy = dir.filePath(QString::fromLatin1(c.file));
-        ASSERT_TRUE(QFile::copy(QDir(kTranslations).filePath(QString::fromLatin1(c.file)), copy));
+        ASSERT_TRUE(QFile::copy(QDir(kHostTsFolder).filePath(QString::fromLatin1(c.file)), copy));
         QFile::setPermissions(copy, QFile::ReadOwner | QFile::WriteOwner);
         const QString error = runLupdate(kHostSources, copy);
         ASSERT_TRUE(error.isEmpty()) << error.toStdString();
@@ -178,10 +178,10 @@ TEST(HostTranslations, EveryHostTextHasACompleteTranslationInEachLanguage)
         ASSERT_TRUE(ts.error.isEmpty()) << ts.error.toStdString();
         EXPECT_EQ(ts.language, QString::fromLatin1(c.language));
         EXPECT_GT(ts.messages.size(), 50) << "lupdate found the host's texts";
-        const QStringList faults = problems(ts);
+        const QStringList faults = translationProblems(ts);
         EXPECT_TRUE(faults.isEmpty())
             << faults.size() << " fault(s); translate them in src/host/translations (see "
-            << "docs/architecture.md, Translations):\n"
+            << "docs/architecture.md, Reference host translations):\n"
             << faults.join(u'\n').toStdString();
     }
 }
@@ -239,7 +239,7 @@ void Probe::texts()
 
     const TsFile file = readTs(ts.fileName());
     ASSERT_TRUE(file.error.isEmpty()) << file.error.toStdString();
-    const QStringList faults = problems(file);
+    const QStringList faults = translationProblems(file);
     const struct
     {
         const char *source;
