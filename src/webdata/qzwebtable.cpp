@@ -64,19 +64,20 @@ void QZWebTable::addColumn(const QString &name)
 {
     if (columnIndex(name) >= 0)
         throw DLVError::duplicateKey(name);
-    const std::size_t oldCount = m_columns.size();
+    const std::size_t oldCount = std::size_t(m_columns.size());
     m_columns.append(name);
     if (m_rows == 0)
         return;
-    // Re-lay the row-major cells with an empty span at the end of every row.
-    std::vector<Span> cells;
-    cells.reserve(std::size_t(m_rows) * (oldCount + 1));
-    for (int r = 0; r < m_rows; ++r) {
-        const auto first = m_cells.begin() + std::ptrdiff_t(std::size_t(r) * oldCount);
-        cells.insert(cells.end(), first, first + std::ptrdiff_t(oldCount));
-        cells.push_back(Span{});
+    // Re-lay the row-major cells with an empty value at the end of every row.
+    std::vector<std::uint32_t> ends;
+    ends.reserve(std::size_t(m_rows) * (oldCount + 1));
+    std::uint32_t last = 0;
+    for (std::size_t r = 0; r < std::size_t(m_rows); ++r) {
+        for (std::size_t c = 0; c < oldCount; ++c)
+            ends.push_back(last = m_ends[r * oldCount + c]);
+        ends.push_back(last);
     }
-    m_cells = std::move(cells);
+    m_ends = std::move(ends);
 }
 
 int QZWebTable::columnIndex(QStringView name) const
@@ -124,8 +125,9 @@ QStringView QZWebTable::value(int row, int column) const
                            .arg(column)
                            .arg(m_rows)
                            .arg(columnCount()));
-    const Span &span = m_cells[std::size_t(row - 1) * m_columns.size() + std::size_t(column)];
-    return QStringView(m_text.data() + span.offset, qsizetype(span.length));
+    const std::size_t cell = cellIndex(row, column);
+    const std::uint32_t begin = cellBegin(cell);
+    return QStringView(m_text.data() + begin, qsizetype(m_ends[cell] - begin));
 }
 
 QString QZWebTable::field(int row, QStringView column) const
@@ -137,7 +139,7 @@ int QZWebTable::addRow()
 {
     if (m_rows == std::numeric_limits<int>::max())
         throw DLVError::overflow();
-    m_cells.resize(m_cells.size() + m_columns.size());
+    m_ends.resize(m_ends.size() + std::size_t(m_columns.size()), std::uint32_t(m_text.size()));
     return ++m_rows;
 }
 
@@ -154,32 +156,26 @@ void QZWebTable::appendRow(const QStringList &values)
         chars += v.size();
     if (m_text.size() + std::size_t(chars) > maxTextChars)
         throwTextOverflow(m_name);
-    const int row = addRow();
-    Span *cell = m_cells.data() + std::size_t(row - 1) * m_columns.size();
+    if (m_rows == std::numeric_limits<int>::max())
+        throw DLVError::overflow();
+    m_ends.reserve(m_ends.size() + std::size_t(values.size()));
     for (const QString &v : values) {
-        cell->offset = std::uint32_t(m_text.size());
-        cell->length = std::uint32_t(v.size());
         m_text.insert(m_text.end(), v.utf16(), v.utf16() + v.size());
-        ++cell;
+        m_ends.push_back(std::uint32_t(m_text.size()));
     }
+    ++m_rows;
 }
 
 void QZWebTable::setValue(int row, int column, QStringView value)
 {
     (void)this->value(row, column); // range check with the usual error
-    Span &span = m_cells[std::size_t(row - 1) * m_columns.size() + std::size_t(column)];
+    const std::size_t cell = cellIndex(row, column);
+    const std::size_t begin = cellBegin(cell);
+    const std::size_t oldLength = m_ends[cell] - begin;
     const std::size_t length = std::size_t(value.size());
-    if (length <= span.length) {
-        // Fits where the old value was; memmove, since value may be a view into this table.
-        if (length > 0)
-            std::memmove(m_text.data() + span.offset, value.utf16(), length * sizeof(char16_t));
-        m_deadChars += span.length - length;
-        span.length = std::uint32_t(length);
-        return;
-    }
-    if (m_text.size() + length > maxTextChars)
+    if (length > oldLength && m_text.size() + (length - oldLength) > maxTextChars)
         throwTextOverflow(m_name);
-    // A view into our own buffer would dangle when the buffer grows: copy it first.
+    // A view into our own buffer would move with the text: copy it first.
     const char16_t *src = value.utf16();
     std::vector<char16_t> copy;
     if (!m_text.empty() && !std::less<const char16_t *>()(src, m_text.data()) &&
@@ -187,13 +183,19 @@ void QZWebTable::setValue(int row, int column, QStringView value)
         copy.assign(src, src + length);
         src = copy.data();
     }
-    m_deadChars += span.length;
-    span.offset = std::uint32_t(m_text.size());
-    span.length = std::uint32_t(length);
-    m_text.insert(m_text.end(), src, src + length);
-    // Profiles rewrite the same cells on every save; keep the garbage bounded.
-    if (m_deadChars > 4096 && m_deadChars > m_text.size() / 2)
-        compact();
+    const auto at = m_text.begin() + std::ptrdiff_t(begin);
+    if (length > oldLength)
+        m_text.insert(at + std::ptrdiff_t(oldLength), length - oldLength, u'\0');
+    else if (length < oldLength)
+        m_text.erase(at + std::ptrdiff_t(length), at + std::ptrdiff_t(oldLength));
+    std::copy(src, src + length, m_text.begin() + std::ptrdiff_t(begin));
+    // Filling the last row in order moves nothing: the cells after it are empty.
+    if (length != oldLength) {
+        const std::uint32_t grow = std::uint32_t(length);
+        const std::uint32_t shrink = std::uint32_t(oldLength);
+        for (std::size_t i = cell; i < m_ends.size(); ++i)
+            m_ends[i] = m_ends[i] - shrink + grow;
+    }
 }
 
 void QZWebTable::setField(int row, QStringView column, QStringView value)
@@ -204,62 +206,44 @@ void QZWebTable::setField(int row, QStringView column, QStringView value)
 void QZWebTable::removeRow(int row)
 {
     (void)this->row(row); // range check with the usual error
-    const auto first = m_cells.begin() + std::ptrdiff_t(std::size_t(row - 1) * m_columns.size());
-    const auto last = first + std::ptrdiff_t(m_columns.size());
-    for (auto it = first; it != last; ++it)
-        m_deadChars += it->length;
-    m_cells.erase(first, last);
+    const std::size_t columns = std::size_t(m_columns.size());
+    const std::size_t first = std::size_t(row - 1) * columns;
+    if (columns > 0) {
+        const std::uint32_t begin = cellBegin(first);
+        const std::uint32_t end = m_ends[first + columns - 1];
+        m_text.erase(m_text.begin() + begin, m_text.begin() + end);
+        m_ends.erase(m_ends.begin() + std::ptrdiff_t(first),
+                     m_ends.begin() + std::ptrdiff_t(first + columns));
+        for (std::size_t i = first; i < m_ends.size(); ++i)
+            m_ends[i] -= end - begin;
+    }
     --m_rows;
     if (m_rows == 0) {
         m_text.clear();
-        m_deadChars = 0;
-    } else if (m_deadChars > 4096 && m_deadChars > m_text.size() / 2) {
-        compact();
+        m_ends.clear();
     }
 }
 
 void QZWebTable::clearRows()
 {
-    m_cells.clear();
+    m_ends.clear();
     m_text.clear();
     m_rows = 0;
-    m_deadChars = 0;
 }
 
 void QZWebTable::reserve(int rows, qsizetype textChars)
 {
     if (rows > 0)
-        m_cells.reserve(std::size_t(rows) * std::max<std::size_t>(m_columns.size(), 1));
+        m_ends.reserve(std::size_t(rows) * std::max<std::size_t>(std::size_t(m_columns.size()), 1));
     if (textChars > 0)
         m_text.reserve(std::min(std::size_t(textChars), maxTextChars));
 }
 
-void QZWebTable::compact()
-{
-    std::vector<char16_t> text;
-    text.reserve(m_text.size() - m_deadChars);
-    for (Span &span : m_cells) {
-        const auto first = m_text.begin() + span.offset;
-        span.offset = std::uint32_t(text.size());
-        text.insert(text.end(), first, first + span.length);
-    }
-    m_text = std::move(text);
-    m_deadChars = 0;
-}
-
 bool operator==(const QZWebTable &a, const QZWebTable &b)
 {
-    if (a.m_name != b.m_name || a.m_columns != b.m_columns || a.m_rows != b.m_rows)
-        return false;
-    for (std::size_t i = 0; i < a.m_cells.size(); ++i) {
-        const auto &sa = a.m_cells[i];
-        const auto &sb = b.m_cells[i];
-        if (sa.length != sb.length ||
-            !std::equal(a.m_text.begin() + sa.offset, a.m_text.begin() + sa.offset + sa.length,
-                        b.m_text.begin() + sb.offset))
-            return false;
-    }
-    return true;
+    // The layout is canonical (values back to back in cell order), so equal tables store alike.
+    return a.m_name == b.m_name && a.m_columns == b.m_columns && a.m_rows == b.m_rows &&
+           a.m_ends == b.m_ends && a.m_text == b.m_text;
 }
 
 // ---- XML ----
@@ -320,13 +304,10 @@ QZWebTable QZWebTablePrivate::read(pugi::xml_node element, const char *what)
                     break;
                 }
                 ++count;
-                QZWebTable::Span span;
-                span.offset = std::uint32_t(table.m_text.size());
                 appendElementText(table.m_text, v);
                 if (table.m_text.size() > maxTextChars)
                     throwTextOverflow(table.m_name);
-                span.length = std::uint32_t(table.m_text.size() - span.offset);
-                table.m_cells.push_back(span);
+                table.m_ends.push_back(std::uint32_t(table.m_text.size()));
             }
             if (count != columns)
                 throw DLVError(DLVError::InvalidCall,
@@ -356,17 +337,16 @@ QZWebTable QZWebTablePrivate::read(pugi::xml_node element, const char *what)
     // Loading grew the buffers geometrically; give back a large surplus.
     if (table.m_text.capacity() > table.m_text.size() + table.m_text.size() / 4 + 1024)
         table.m_text.shrink_to_fit();
-    if (table.m_cells.capacity() > table.m_cells.size() + table.m_cells.size() / 4 + 256)
-        table.m_cells.shrink_to_fit();
+    if (table.m_ends.capacity() > table.m_ends.size() + table.m_ends.size() / 4 + 256)
+        table.m_ends.shrink_to_fit();
     return table;
 }
 
 qsizetype QZWebTablePrivate::estimatedXmlSize(const QZWebTable &table)
 {
     // "<V>" + "</V>" per cell, "<Row>" + "</Row>\n" per row, plus the live text.
-    return qsizetype(table.m_text.size() - table.m_deadChars) +
-           qsizetype(table.m_cells.size()) * 8 + qsizetype(table.m_rows) * 12 +
-           (table.m_columns.size() + 1) * 32 + table.m_name.size();
+    return qsizetype(table.m_text.size()) + qsizetype(table.m_ends.size()) * 8 +
+           qsizetype(table.m_rows) * 12 + (table.m_columns.size() + 1) * 32 + table.m_name.size();
 }
 
 void QZWebTablePrivate::write(WebXmlWriter &writer, const QZWebTable &table, QLatin1StringView tag)
@@ -381,12 +361,15 @@ void QZWebTablePrivate::write(WebXmlWriter &writer, const QZWebTable &table, QLa
         writer.attribute(QLatin1StringView("name"), column, QLatin1StringView("column name"));
         writer.raw(QLatin1StringView("/>\n"));
     }
-    const QZWebTable::Span *cell = table.m_cells.data();
+    std::size_t cell = 0;
     for (int r = 0; r < table.m_rows; ++r) {
         writer.raw(QLatin1StringView("<Row>"));
-        for (qsizetype c = 0; c < table.m_columns.size(); ++c, ++cell)
-            writer.textElement(QLatin1StringView("V"),
-                               QStringView(table.m_text.data() + cell->offset, cell->length));
+        for (qsizetype c = 0; c < table.m_columns.size(); ++c, ++cell) {
+            const std::uint32_t begin = table.cellBegin(cell);
+            writer.textElement(
+                QLatin1StringView("V"),
+                QStringView(table.m_text.data() + begin, qsizetype(table.m_ends[cell] - begin)));
+        }
         writer.raw(QLatin1StringView("</Row>\n"));
     }
     writer.raw(QLatin1StringView("</"));

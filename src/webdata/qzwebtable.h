@@ -28,8 +28,8 @@ private:
 };
 
 /// A host data table: a name, an ordered list of column names and 1-based rows of text values.
-/// Values are kept compactly (one UTF-16 buffer and a span per cell), so a 300,000-row table is
-/// cheap to hold and reading a value never allocates. Column and table names compare without
+/// Values are kept compactly (one UTF-16 buffer and an end offset per cell), so a 300,000-row table
+/// is cheap to hold and reading a value never allocates. Column and table names compare without
 /// regard to letter case. Also serves as a profile section (name, field list, rows).
 class QZWebTable
 {
@@ -86,18 +86,22 @@ public:
 private:
     friend class QZWebTablePrivate;
     friend class WebXmlStreamReader;
-    void compact(); // drops the text of overwritten and removed cells
-
-    struct Span
+    /// Position of a cell (0-based, row-major) in m_ends.
+    [[nodiscard]] std::size_t cellIndex(int row, int column) const
     {
-        std::uint32_t offset = 0;
-        std::uint32_t length = 0;
-    };
+        return std::size_t(row - 1) * std::size_t(m_columns.size()) + std::size_t(column);
+    }
+    [[nodiscard]] std::uint32_t cellBegin(std::size_t cell) const
+    {
+        return cell == 0 ? 0 : m_ends[cell - 1];
+    }
 
     QString m_name;
     QStringList m_columns;
-    std::vector<Span> m_cells; // row-major, columnCount() spans per row
+    // The values one after the other in m_text, in row-major cell order with nothing between
+    // them, and where each ends: 4 bytes per cell besides the text. A value that changes length
+    // moves the text after it, which costs nothing for the usual filling of the last row.
+    std::vector<std::uint32_t> m_ends;
     std::vector<char16_t> m_text;
-    int m_rows = 0;              // kept apart from m_cells: a table may have rows but no columns
-    std::size_t m_deadChars = 0; // text of overwritten or removed cells, reclaimed by compaction
+    int m_rows = 0; // kept apart from m_ends: a table may have rows but no columns
 };

@@ -255,7 +255,6 @@ public:
     void value(const Byte *begin, const Byte *end)
     {
         ++m_rowValues;
-        m_valueStart = std::uint32_t(m_table.m_text.size());
         if (begin != end)
             appendText(m_table.m_text, begin, end, false);
         ended(Role::Value);
@@ -303,7 +302,6 @@ private:
     QZWebTable m_table;
     OrderedDict<int> m_seenColumns{KeyCompare::CaseInsensitive};
     std::size_t m_rowValues = 0; // <V> elements of the open row
-    std::uint32_t m_valueStart = 0;
     Role m_codeParent = Role::Value;
     QString m_propertyKey;
     std::vector<char16_t> m_propertyText;
@@ -463,7 +461,7 @@ void WebXmlStreamReader::Builder::endTable()
     auto &text = m_table.m_text;
     if (text.capacity() > text.size() + text.size() / 4 + 1024)
         text.shrink_to_fit();
-    auto &cells = m_table.m_cells;
+    auto &cells = m_table.m_ends;
     if (cells.capacity() > cells.size() + cells.size() / 4 + 256)
         cells.shrink_to_fit();
     if (m_target == Target::Table)
@@ -514,7 +512,6 @@ void WebXmlStreamReader::Builder::started(Role role, const std::optional<Span> &
         m_rowValues = 0;
         break;
     case Role::Value:
-        m_valueStart = std::uint32_t(m_table.m_text.size());
         break;
     case Role::Code:
         // The parent is a value or a property; codes inside codes are skipped.
@@ -567,8 +564,7 @@ void WebXmlStreamReader::Builder::ended(Role role)
                            QStringLiteral("Overflow: table '%1' holds more text than it can "
                                           "address (4G characters)")
                                .arg(m_table.m_name));
-        m_table.m_cells.push_back(
-            QZWebTable::Span{m_valueStart, std::uint32_t(m_table.m_text.size() - m_valueStart)});
+        m_table.m_ends.push_back(std::uint32_t(m_table.m_text.size()));
         break;
     }
     default:
