@@ -186,8 +186,7 @@ int EnduranceRun::run(const Options &options)
             message = sequence.data(n);
             ++dataMessages;
         }
-        if (message->name() == u"DLVData" &&
-            (d.mDLV->SingleBUGridBusy || d.mDLV->HierarchyGridBusy))
+        if (message->name() == u"DLVData" && d.mDLV->Busy().any())
             ++dropped;
         const int errorsBefore = errors;
         QVariant wrapped = WebVariant::wrap(message);

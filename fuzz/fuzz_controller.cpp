@@ -180,16 +180,19 @@ private:
     void fillHierarchy(BusinessUnits &bus)
     {
         ++fills;
-        trap(QStringLiteral("Fuzz.FillHierarchy"), [&] {
-            HierarchyGrid::Fill(m_workOrders, m_points, m_controller, bus,
-                                m_controller.GetBUList());
-        });
-        m_controller.HierarchyGridBusy = false;
+        {
+            FillBusy::Scope busy(m_controller.Busy(), FillBusy::HierarchyFill);
+            trap(QStringLiteral("Fuzz.FillHierarchy"), [&] {
+                HierarchyGrid::Fill(m_workOrders, m_points, m_controller, bus,
+                                    m_controller.GetBUList());
+            });
+        }
         fillSummary(bus);
     }
 
     void fillSummary(BusinessUnits &bus)
     {
+        FillBusy::Scope busy(m_controller.Busy(), FillBusy::SummaryFill);
         trap(QStringLiteral("Fuzz.FillSummary"), [&] {
             PanelValues panel;
             SummaryGrid(m_summary).ShowBUs(
@@ -197,7 +200,6 @@ private:
                 m_controller.JobClassDescriptions(), QStringLiteral("Total"), panel, &m_reporter);
             (void)m_controller.GetBUIDList(QStringLiteral("#"));
         });
-        m_controller.SingleBUGridBusy = false;
     }
 
     template <typename Body> void trap(const QString &location, Body &&body)
@@ -243,8 +245,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         for (int k = 0; k < items; ++k)
             surface.addItem(pick(in, kIds), in.ConsumeBool());
         controller.ReceiveMessage(WebVariant::wrap(message(in)), 0, QString());
-        require(!controller.SingleBUGridBusy && !controller.HierarchyGridBusy,
-                "a busy flag stayed set after a message");
+        require(!controller.Busy().any(), "a busy flag stayed set after a message");
     }
 
     // Whatever came before, a well-formed message loads cleanly.

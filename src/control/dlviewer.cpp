@@ -562,10 +562,7 @@ DLVGrid DLViewer::Grid(DLVGrid::Element element) const
 
 QString DLViewer::PanelText(PanelFigure figure) const
 {
-    const std::array<const QLabel *, 11> labels = {
-        d->lblTechCount,   d->lblHrsWorked,     d->lblHrsRemaining, d->lblWODone,
-        d->lblWOOpen,      d->lblPtsDone,       d->lblPtsOpen,      d->lblWOsPerHrToday,
-        d->lblWOsPerHrReq, d->lblPtsPerHrToday, d->lblPtsPerHrReq};
+    const auto labels = d->panelFigures();
     const auto i = std::size_t(figure);
     return i < labels.size() && labels[i] ? labels[i]->text() : QString();
 }

@@ -14,15 +14,17 @@ void DLViewerPrivate::createLiveCues()
         w.views[i] = vsFlex[i];
         w.grids[i] = &grids[i];
     }
-    w.figures = {lblTechCount,   lblHrsWorked,     lblHrsRemaining, lblWODone,
-                 lblWOOpen,      lblPtsDone,       lblPtsOpen,      lblWOsPerHrToday,
-                 lblWOsPerHrReq, lblPtsPerHrToday, lblPtsPerHrReq};
+    w.figures = panelFigures();
     w.refreshTimes = {lblLastRefreshTime, lblNextRefreshTime};
     w.freshness = lblFreshness;
     w.relayoutTopRow = [this] { relayoutTopRow(); };
     w.selectionContext = [this] { return selectionContext(); };
     liveCues = std::make_unique<LiveCues>(w, [this](const QString &key) { return caption(key); });
-    QObject::connect(liveCues.get(), &LiveCues::trendChanged, q, &DLViewer::PanelTrendChanged);
+    // Queued: the point is added while a data message is still being handled, and a host that
+    // answers the signal with the next message must not re-enter that handling (a host that
+    // always does would otherwise recurse without end).
+    QObject::connect(liveCues.get(), &LiveCues::trendChanged, q, &DLViewer::PanelTrendChanged,
+                     Qt::QueuedConnection);
 }
 
 QString DLViewerPrivate::selectionContext() const

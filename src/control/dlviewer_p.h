@@ -5,6 +5,7 @@
 #include "control/dlviewer.h"
 #include "model/dlvsurface.h"
 #include "views/outlinegrid.h"
+#include "views/panelvalues.h"
 #include "webdata/resultenvelope.h"
 
 #include <QHash>
@@ -29,7 +30,6 @@ class QTabBar;
 class QToolBar;
 class QTreeWidget;
 class OutlineGridView;
-class PanelValues;
 class ProfileExchange;
 class ProfileHostAdapter;
 class ProfileMenu;
@@ -83,6 +83,13 @@ public:
     void ShowBUs(BusinessUnits &bus);
     /// Writes the eleven panel figures into their labels.
     void writePanel(const PanelValues &panel);
+    /// The eleven figure labels in the panel's order (that of DLViewer::PanelFigure).
+    [[nodiscard]] std::array<QLabel *, PanelValues::FigureCount> panelFigures() const
+    {
+        return {lblTechCount,   lblHrsWorked,     lblHrsRemaining, lblWODone,
+                lblWOOpen,      lblPtsDone,       lblPtsOpen,      lblWOsPerHrToday,
+                lblWOsPerHrReq, lblPtsPerHrToday, lblPtsPerHrReq};
+    }
     /// The grid half of the panel layout: column widths of all three grids for an available
     /// width in twips, recomputed on every layout (overriding the widths the set-up gave).
     void setGridColumnWidths(double widthTwips);

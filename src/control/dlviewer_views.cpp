@@ -110,12 +110,9 @@ void DLViewerPrivate::setGridColumnWidths(double widthTwips)
 
 void DLViewerPrivate::writePanel(const PanelValues &panel)
 {
-    QLabel *const labels[PanelValues::FigureCount] = {
-        lblTechCount,   lblHrsWorked,     lblHrsRemaining, lblWODone,
-        lblWOOpen,      lblPtsDone,       lblPtsOpen,      lblWOsPerHrToday,
-        lblWOsPerHrReq, lblPtsPerHrToday, lblPtsPerHrReq};
+    const auto labels = panelFigures();
     for (int i = 0; i < PanelValues::FigureCount; ++i)
-        labels[i]->setText(panel.text(i));
+        labels[std::size_t(i)]->setText(panel.text(i));
     if (liveCues)
         liveCues->panelWritten(panel);
 }
@@ -137,7 +134,7 @@ void DLViewerPrivate::ShowBUs(BusinessUnits &bus)
         return;
     PanelValues panel;
     const bool done = ErrorTrap::run(this, kShowBUs, [&] {
-        mDLV->SingleBUGridBusy = true;
+        FillBusy::Scope busy(mDLV->Busy(), FillBusy::SummaryFill);
         if (buListCount() > 0) {
             currentSelection = mDLV->GetBUList();
             currentBUSet = optBU[0]->isChecked() ? currentSelection : mDLV->GetAggregateBUList();
@@ -161,16 +158,11 @@ void DLViewerPrivate::ShowBUs(BusinessUnits &bus)
             else
                 RestoreNodes(QStringLiteral("JobTypes"), 0);
         }
-        mDLV->SingleBUGridBusy = false;
+        busy.end();
         EnableDataControls(true);
     });
-    if (!done) {
-        // The panel shows what was summed before the failure; a stuck busy flag would make the
-        // controller drop every later data message.
+    if (!done) // the panel shows what was summed before the failure
         writePanel(panel);
-        if (mDLV)
-            mDLV->SingleBUGridBusy = false;
-    }
 }
 
 void DLViewerPrivate::mDLV_FillBUHierarchyGrid(BusinessUnits &bus)
@@ -179,8 +171,11 @@ void DLViewerPrivate::mDLV_FillBUHierarchyGrid(BusinessUnits &bus)
         return;
     if (liveCues)
         liveCues->refreshStarted();
-    const bool done = ErrorTrap::run(this, kFillHierarchy, [&] {
-        mDLV->HierarchyGridBusy = true;
+    // The data message set the summary's flag too: the summary fill clears it as it ends, and
+    // when this fill fails before the summary fill has run, this scope does.
+    FillBusy::Scope summaryBusy(mDLV->Busy(), FillBusy::SummaryFill);
+    ErrorTrap::run(this, kFillHierarchy, [&] {
+        FillBusy::Scope busy(mDLV->Busy(), FillBusy::HierarchyFill);
         for (std::size_t i = 1; i <= 2; ++i) {
             if (!collapsedLists[i])
                 collapsedLists[i] = std::make_unique<StringSet>();
@@ -205,14 +200,9 @@ void DLViewerPrivate::mDLV_FillBUHierarchyGrid(BusinessUnits &bus)
         }
         hierarchyGridFilled = true;
         LoadBUListView();
-        mDLV->HierarchyGridBusy = false;
+        busy.end();
         mDLV_FillSingleBUGrid(bus);
     });
-    if (!done && mDLV) {
-        // The summary fill that would clear its own flag does not run after a failure here.
-        mDLV->HierarchyGridBusy = false;
-        mDLV->SingleBUGridBusy = false;
-    }
 }
 
 void DLViewerPrivate::LoadBUListView()

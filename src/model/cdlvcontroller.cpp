@@ -111,17 +111,17 @@ void cDLVController::ReceiveMessage(const QVariant &data, qint32 DataType, const
             return;
         const QString &name = message->name();
         if (name == u"DLVData") {
-            if (SingleBUGridBusy || HierarchyGridBusy) {
+            if (m_busy.any()) {
                 qCDebug(lcModel) << "data message dropped: a grid fill is still in progress";
                 return;
             }
-            SingleBUGridBusy = true;
-            HierarchyGridBusy = true;
-            if (!LoadData(*message)) {
-                // The fills clear their own flags; a load that failed before raising the fill
-                // would leave them set for good and every later message would be dropped.
-                SingleBUGridBusy = false;
-                HierarchyGridBusy = false;
+            FillBusy::Scope summary(m_busy, FillBusy::SummaryFill);
+            FillBusy::Scope hierarchy(m_busy, FillBusy::HierarchyFill);
+            // Once the load has raised the fills, they own the flags; a load that failed before
+            // that gives them up here.
+            if (LoadData(*message)) {
+                summary.handOver();
+                hierarchy.handOver();
             }
             emit HideStatus();
         } else if (name == u"DLVServerStopped") {

@@ -3,6 +3,7 @@
 #include "common/ordereddict.h"
 #include "model/buhierarchy.h"
 #include "model/businessunits.h"
+#include "model/fillbusy.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -88,10 +89,10 @@ public:
     /// Replaces the clock used for the refresh times (tests); the default is the current time.
     void setClock(Clock clock) { m_clock = std::move(clock); }
 
-    /// Set while a grid fill is in progress; a data message is dropped while either is set.
-    /// The fills set and clear them (the summary fill its own, the hierarchy fill its own).
-    bool SingleBUGridBusy = false;
-    bool HierarchyGridBusy = false;
+    /// The busy flags of the grid fills (SingleBUGridBusy, HierarchyGridBusy): a data message is
+    /// dropped while either is set. The fills hold them through FillBusy::Scope.
+    [[nodiscard]] FillBusy &Busy() noexcept { return m_busy; }
+    [[nodiscard]] const FillBusy &Busy() const noexcept { return m_busy; }
 
 Q_SIGNALS:
     void ShowStatus(const QString &key, bool error);
@@ -130,4 +131,5 @@ private:
     mutable BUHierarchy m_hierarchy;
     mutable bool m_hierarchyValid = false;
     mutable std::vector<int> m_walk; // scratch for descendant walks
+    FillBusy m_busy;
 };

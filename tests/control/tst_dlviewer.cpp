@@ -122,8 +122,8 @@ TEST_F(DLViewerShell, StartUpInTheHostsCallingOrder)
         EXPECT_FALSE(child<QLabel>("lblStatus")->isVisibleTo(viewer.get()));
         EXPECT_TRUE(child<QLabel>("lblLastRefreshTime")->isVisibleTo(viewer.get()));
         EXPECT_TRUE(child<QPushButton>("cmdView")->isEnabled());
-        EXPECT_FALSE(d().mDLV->SingleBUGridBusy);
-        EXPECT_FALSE(d().mDLV->HierarchyGridBusy);
+        EXPECT_FALSE(d().mDLV->Busy().isSet(FillBusy::SummaryFill));
+        EXPECT_FALSE(d().mDLV->Busy().isSet(FillBusy::HierarchyFill));
         EXPECT_TRUE(dialogs->calls.empty());
     }
 }

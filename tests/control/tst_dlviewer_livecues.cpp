@@ -85,9 +85,12 @@ TEST_F(DLViewerLiveCues, ChangeCuesMarkWhatARefreshChangedButNotANewChoiceOfUnit
 {
     startAtTen();
     viewer->SetChangeCuesShown(true);
+    QCoreApplication::processEvents(); // what the start told of
     int trendPoints = 0;
     QObject::connect(viewer.get(), &DLViewer::PanelTrendChanged, [&] { ++trendPoints; });
-    send(refreshData("9")); // North completed two more
+    send(refreshData("9"));    // North completed two more
+    EXPECT_EQ(trendPoints, 0); // told from the event loop, once the message is handled
+    QCoreApplication::processEvents();
     EXPECT_EQ(trendPoints, 1);
 
     const QString done = cell(0, "INS|A", 7, Qt::DisplayRole).toString();
@@ -172,3 +175,27 @@ TEST_F(DLViewerLiveCues, TroubleColoursJeopardyLateAndRatesBelowTheRequiredRate)
 }
 
 } // namespace
+
+// A host may answer each new trend point with the next data message. Each message is handled on
+// its own, never inside the handling of the one before, so a host that always answers cannot make
+// the control recurse.
+TEST_F(DLViewerLiveCues, AHostAnsweringEachTrendPointWithDataNeverReentersTheControl)
+{
+    startAtTen();
+    bool handling = false;
+    int answers = 0;
+    QObject::connect(viewer.get(), &DLViewer::PanelTrendChanged, [&] {
+        EXPECT_FALSE(handling) << "signalled inside the handling of a message";
+        if (answers == 50)
+            return;
+        ++answers;
+        handling = true;
+        send(refreshData(QString::number(10 + answers)));
+        handling = false;
+    });
+    send(refreshData("9"));
+    for (int i = 0; i < 200 && answers < 50; ++i)
+        QCoreApplication::processEvents();
+    EXPECT_EQ(answers, 50);
+    EXPECT_EQ(viewer->PanelTrend().back().woDone, 60);
+}

@@ -4,6 +4,7 @@
 
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 #include <string>
 #include <vector>
@@ -154,13 +155,24 @@ TEST_F(DLViewerViews, TabsAndDisplayOptionChooseTheVisibleGrid)
 TEST_F(DLViewerViews, AFailedFillIsReportedAndLeavesNoBusyFlagBehind)
 {
     start(regions(), {"R1", "C1", "R2"});
+    // While the error dialog is open the host's refresh timer still fires: that message arrives
+    // in the middle of the fill and is dropped.
+    QSignalSpy fills(d().mDLV.get(), &cDLVController::FillBUHierarchyGrid);
+    bool droppedDuringFill = false;
+    dialogs->whileShown = [&](const RecordingDialogHost::Call &) {
+        const qsizetype before = fills.count();
+        send(regions(QStringLiteral("5")));
+        droppedDuringFill = fills.count() == before;
+    };
     // The hierarchy row of the chosen R1 sums R1 and C1: past the 32-bit range.
     send(regions(QStringLiteral("2147483647")));
+    dialogs->whileShown = nullptr;
+    EXPECT_TRUE(droppedDuringFill);
     ASSERT_EQ(dialogs->calls.size(), 1u);
     EXPECT_EQ(dialogs->calls[0].number, 6);
     EXPECT_EQ(dialogs->calls[0].location, "DLViewer.mDLV_FillBUHierarchyGrid");
-    EXPECT_FALSE(d().mDLV->SingleBUGridBusy);
-    EXPECT_FALSE(d().mDLV->HierarchyGridBusy);
+    EXPECT_FALSE(d().mDLV->Busy().isSet(FillBusy::SummaryFill));
+    EXPECT_FALSE(d().mDLV->Busy().isSet(FillBusy::HierarchyFill));
 
     send(regions()); // no longer blocked: the next message is taken
     EXPECT_EQ(dialogs->calls.size(), 1u);

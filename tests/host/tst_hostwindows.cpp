@@ -199,6 +199,7 @@ TEST_F(MainWindowTest, ViewMenuSwitchesTheControlsOptionsAndTheTrendFollowsEvery
     window->findChild<QAction *>(QStringLiteral("actionTrend"))->trigger();
     EXPECT_TRUE(window->trendDock()->isVisible());
     window->refresh();
+    QCoreApplication::processEvents(); // the control tells of new points from the event loop
     EXPECT_EQ(window->trendChart()->pointCount(), window->dataMessagesSent());
     EXPECT_EQ(window->trendChart()->pointCount(), window->viewer()->PanelTrend().size());
 }

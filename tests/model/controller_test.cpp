@@ -5,6 +5,7 @@
 
 #include <QSignalSpy>
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace {
 
@@ -22,7 +23,7 @@ TEST_F(ControllerTest, MessagesThatAreNoDataMessagesAreIgnored)
         controller.ReceiveMessage(data, 0, QString());
     EXPECT_EQ(shows.count() + hides.count() + fills.count(), 0);
     EXPECT_TRUE(reporter.reports.empty());
-    EXPECT_FALSE(controller.SingleBUGridBusy || controller.HierarchyGridBusy);
+    EXPECT_FALSE(controller.Busy().any());
 }
 
 TEST_F(ControllerTest, DataMessageRaisesHierarchyFillThenWritesTimesThenHidesStatus)
@@ -32,7 +33,8 @@ TEST_F(ControllerTest, DataMessageRaisesHierarchyFillThenWritesTimesThenHidesSta
         &controller, &cDLVController::FillBUHierarchyGrid, &controller, [&](BusinessUnits &bus) {
             events.push_back("fill " + std::to_string(bus.Count()) +
                              (surface.captions.isEmpty() ? " before times" : " after times"));
-            EXPECT_TRUE(controller.HierarchyGridBusy && controller.SingleBUGridBusy);
+            EXPECT_TRUE(controller.Busy().isSet(FillBusy::HierarchyFill) &&
+                        controller.Busy().isSet(FillBusy::SummaryFill));
         });
     QObject::connect(&controller, &cDLVController::HideStatus, &controller,
                      [&] { events.push_back("hide"); });
@@ -52,14 +54,19 @@ TEST(BusyFlags, DataMessageIsDroppedWhileAGridFillIsInProgress)
         SCOPED_TRACE(singleBusy ? "summary busy" : "hierarchy busy");
         ControllerRig rig;
         rig.load(DLVDataBuilder().general("OLD", "Old"));
-        rig.controller.SingleBUGridBusy = singleBusy;
-        rig.controller.HierarchyGridBusy = hierarchyBusy;
+        rig.controller.Busy().clear(); // as the fills of the load would have left them
+        std::optional<FillBusy::Scope> summaryFill;
+        std::optional<FillBusy::Scope> hierarchyFill;
+        if (singleBusy)
+            summaryFill.emplace(rig.controller.Busy(), FillBusy::SummaryFill);
+        if (hierarchyBusy)
+            hierarchyFill.emplace(rig.controller.Busy(), FillBusy::HierarchyFill);
         QSignalSpy hides(&rig.controller, &cDLVController::HideStatus);
         rig.controller.ReceiveMessage(DLVDataBuilder().general("NEW", "New").variant(), 0, {});
         EXPECT_EQ(hides.count(), 0);
         EXPECT_EQ(rig.controller.BUs().Item(u"NEW"), nullptr);
-        EXPECT_EQ(rig.controller.SingleBUGridBusy, singleBusy);
-        EXPECT_EQ(rig.controller.HierarchyGridBusy, hierarchyBusy);
+        EXPECT_EQ(rig.controller.Busy().isSet(FillBusy::SummaryFill), singleBusy);
+        EXPECT_EQ(rig.controller.Busy().isSet(FillBusy::HierarchyFill), hierarchyBusy);
     }
 }
 

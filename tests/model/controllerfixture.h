@@ -36,8 +36,7 @@ struct ControllerRig
 
     void load(const DLVDataBuilder &builder)
     {
-        controller.SingleBUGridBusy = false;
-        controller.HierarchyGridBusy = false;
+        controller.Busy().clear();
         controller.ReceiveMessage(builder.variant(), 0, QString());
     }
 

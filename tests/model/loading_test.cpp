@@ -116,7 +116,7 @@ TEST_F(LoadingTest, DuplicateCodesAbortTheLoadAndFreeTheFlags)
     EXPECT_EQ(unitIds(controller.BUs()), (Ids{"OLD"})); // LoadBUData never ran
     EXPECT_EQ(controller.BUDescriptions().keys(), (Ids{"NEW"}));
     EXPECT_EQ(controller.JobClassDescriptions().keys(), (Ids{"OLDJC"}));
-    EXPECT_FALSE(controller.SingleBUGridBusy || controller.HierarchyGridBusy);
+    EXPECT_FALSE(controller.Busy().any());
 
     reporter.reports.clear();
     load(DLVDataBuilder()

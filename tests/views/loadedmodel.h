@@ -20,8 +20,7 @@ struct LoadedModel
     {
         controller.Initialize(&surface);
         controller.ReceiveMessage(data.variant(), 0, QString());
-        controller.SingleBUGridBusy = false;
-        controller.HierarchyGridBusy = false;
+        controller.Busy().clear();
     }
     RecordingReporter reporter;
     FakeSurface surface;
