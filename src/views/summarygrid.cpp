@@ -82,6 +82,74 @@ void addCounters(std::array<qint32, Counters> &sum, const JobClass &jc)
         sum[std::size_t(s)] = Conv::addChecked(sum[std::size_t(s)], jc.GetJobDetails(s));
 }
 
+/// Numbers the job-type and job-class codes met in one fill by their exact text. The loader keeps
+/// one shared string per distinct code, so a code is found by its buffer and its text is hashed
+/// only on the first sight of each buffer. Equal buffers always hold equal text while the model
+/// lives, which is all a fill needs.
+class CodeNumbers
+{
+public:
+    int of(const QString &code)
+    {
+        const void *buffer = code.constData();
+        if (const auto it = m_byBuffer.constFind(buffer); it != m_byBuffer.constEnd())
+            return it.value();
+        int number = m_byText.value(code, -1);
+        if (number < 0) {
+            number = int(m_hasBar.size());
+            m_byText.insert(code, number);
+            m_hasBar.push_back(code.contains(u'|'));
+        }
+        m_byBuffer.insert(buffer, number);
+        return number;
+    }
+    /// The number of a text met before, or -1.
+    [[nodiscard]] int find(const QString &code) const { return m_byText.value(code, -1); }
+    /// Whether the code holds the row data's separator "|".
+    [[nodiscard]] bool hasBar(int number) const { return m_hasBar[std::size_t(number)]; }
+
+private:
+    QHash<const void *, int> m_byBuffer;
+    QHash<QString, int> m_byText;
+    std::vector<bool> m_hasBar;
+};
+
+/// The class rows of one fill by their row data "type|class". A pair of codes without "|" gives
+/// row data with exactly one "|", which no pair holding a "|" can give: such pairs are found by
+/// their two numbers, the rest (where "A|B" + "C" and "A" + "B|C" share one row) by the text.
+class SumRowIndex
+{
+public:
+    static constexpr std::size_t None = std::size_t(-1);
+
+    [[nodiscard]] std::size_t find(int type, int jobClass, const QString &key) const
+    {
+        if (!m_codes->hasBar(type) && !m_codes->hasBar(jobClass)) {
+            const auto it = m_byPair.constFind(pair(type, jobClass));
+            return it == m_byPair.constEnd() ? None : it.value();
+        }
+        const auto it = m_byText.constFind(key);
+        return it == m_byText.constEnd() ? None : it.value();
+    }
+    void insert(int type, int jobClass, const QString &key, std::size_t row)
+    {
+        if (!m_codes->hasBar(type) && !m_codes->hasBar(jobClass))
+            m_byPair.insert(pair(type, jobClass), row);
+        else
+            m_byText.insert(key, row);
+    }
+    explicit SumRowIndex(const CodeNumbers &codes) : m_codes(&codes) {}
+
+private:
+    static quint64 pair(int type, int jobClass)
+    {
+        return (quint64(quint32(type)) << 32) | quint32(jobClass);
+    }
+    const CodeNumbers *m_codes;
+    QHash<quint64, std::size_t> m_byPair;
+    QHash<QString, std::size_t> m_byText;
+};
+
 /// Sets key to a + separator + b, reusing its buffer (no allocation once it is large enough).
 void setKey(QString &key, QStringView a, QChar separator, QStringView b)
 {
@@ -189,25 +257,30 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
     }
 
     // Class rows, shared across units: the same job type and class of two units add into one
-    // row. The key buffer is reused so that finding an existing row allocates nothing.
+    // row. Rows are found through the codes' numbers, so finding an existing row neither builds
+    // nor hashes its row data.
     std::vector<SumRow> rows;
-    QHash<QString, std::size_t> rowOf;
+    CodeNumbers codes;
+    SumRowIndex rowOf(codes);
     QString key;
     for (const BusinessUnit *bu : units) {
         addToPanel(panel, *bu);
         for (const JobType &jt : bu->JobTypes()) {
+            const int type = codes.of(jt.Code());
             for (const JobClass &jc : jt.Classes()) {
-                setKey(key, jt.Code(), u'|', jc.Code());
-                auto it = rowOf.constFind(key);
-                std::size_t r;
-                if (it == rowOf.constEnd()) {
+                const int jobClass = codes.of(jc.Code());
+                const bool plain = !codes.hasBar(type) && !codes.hasBar(jobClass);
+                if (!plain)
+                    setKey(key, jt.Code(), u'|', jc.Code());
+                std::size_t r = rowOf.find(type, jobClass, key);
+                if (r == SumRowIndex::None) {
+                    if (plain)
+                        setKey(key, jt.Code(), u'|', jc.Code());
                     r = rows.size();
                     rows.push_back(SumRow{.key = key,
                                           .col1 = descriptionOr(jobTypeDescriptions, jt.Code()),
                                           .col2 = descriptionOr(jobClassDescriptions, jc.Code())});
-                    rowOf.insert(rows.back().key, r);
-                } else {
-                    r = it.value();
+                    rowOf.insert(type, jobClass, rows.back().key, r);
                 }
                 addCounters(rows[r].sum, jc);
             }
@@ -309,22 +382,27 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
         setCountersText(total, values);
     }
 
-    // Per-class totals over all job types, found by their row data "|class". A new one goes
-    // directly below the grand total, so the newest stands first.
+    // Per-class totals over all job types, with the row data "|class": found by the class code's
+    // number. A new one goes directly below the grand total, so the newest stands first.
     std::vector<SumRow> classRows;
-    QHash<QString, std::size_t> classRowOf;
+    QHash<int, std::size_t> classRowOf;
+    const int emptyType = codes.of(QString());
     for (const BusinessUnit *bu : units) {
         for (const JobClass &jc : bu->TotalJobType().Classes()) {
-            setKey(key, QStringView(), u'|', jc.Code());
-            if (auto it = classRowOf.constFind(key); it != classRowOf.constEnd()) {
+            const int jobClass = codes.of(jc.Code());
+            if (auto it = classRowOf.constFind(jobClass); it != classRowOf.constEnd()) {
                 addCounters(classRows[it.value()].sum, jc);
-            } else if (auto d = rowOf.constFind(key); d != rowOf.constEnd()) {
+                continue;
+            }
+            setKey(key, QStringView(), u'|', jc.Code());
+            if (const std::size_t d = rowOf.find(emptyType, jobClass, key);
+                d != SumRowIndex::None) {
                 // A class row of a job type with an empty code carries the same row data.
-                SumRow &row = rows[d.value()];
+                SumRow &row = rows[d];
                 addCounters(row.sum, jc);
                 row.touchedByClassTotals = true;
             } else {
-                classRowOf.insert(key, classRows.size());
+                classRowOf.insert(jobClass, classRows.size());
                 classRows.push_back(SumRow{.key = key,
                                            .col1 = totalCaption,
                                            .col2 = descriptionOr(jobClassDescriptions, jc.Code())});
