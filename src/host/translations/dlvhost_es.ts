@@ -43,6 +43,10 @@
         <source>Work-order database %1</source>
         <translation>Base de datos de órdenes de trabajo %1</translation>
     </message>
+    <message>
+        <source>, day at %1</source>
+        <translation>, jornada a las %1</translation>
+    </message>
 </context>
 <context>
     <name>DemoFeed</name>
@@ -234,6 +238,14 @@
     <message>
         <source>--db-generate takes only --seed and --db-clock besides</source>
         <translation>--db-generate solo admite además --seed y --db-clock</translation>
+    </message>
+    <message>
+        <source>With --db: move the database&apos;s day on by ten minutes at every refresh (writes to the database).</source>
+        <translation>Con --db: avanza la jornada de la base de datos diez minutos en cada actualización (escribe en la base de datos).</translation>
+    </message>
+    <message>
+        <source>--db-simulate needs --db</source>
+        <translation>--db-simulate necesita --db</translation>
     </message>
 </context>
 <context>
@@ -573,6 +585,25 @@ Switch now?</source>
     <message>
         <source>cannot write the data: %1</source>
         <translation>no se pueden escribir los datos: %1</translation>
+    </message>
+</context>
+<context>
+    <name>WorkOrderSimulator</name>
+    <message>
+        <source>the step failed: %1</source>
+        <translation>el paso falló: %1</translation>
+    </message>
+    <message>
+        <source>cannot start a transaction: %1</source>
+        <translation>no se puede iniciar una transacción: %1</translation>
+    </message>
+    <message>
+        <source>the database has no &quot;clock&quot; setting (YYYY-MM-DD HH:MM) to move on; --db-generate writes one</source>
+        <translation>la base de datos no tiene el ajuste &quot;clock&quot; (YYYY-MM-DD HH:MM) que avanzar; --db-generate escribe uno</translation>
+    </message>
+    <message>
+        <source>cannot write the step: %1</source>
+        <translation>no se puede escribir el paso: %1</translation>
     </message>
 </context>
 <context>

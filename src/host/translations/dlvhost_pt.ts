@@ -43,6 +43,10 @@
         <source>Work-order database %1</source>
         <translation>Banco de dados de ordens de serviço %1</translation>
     </message>
+    <message>
+        <source>, day at %1</source>
+        <translation>, dia às %1</translation>
+    </message>
 </context>
 <context>
     <name>DemoFeed</name>
@@ -234,6 +238,14 @@
     <message>
         <source>--db-generate takes only --seed and --db-clock besides</source>
         <translation>--db-generate aceita além dele apenas --seed e --db-clock</translation>
+    </message>
+    <message>
+        <source>With --db: move the database&apos;s day on by ten minutes at every refresh (writes to the database).</source>
+        <translation>Com --db: avança o dia do banco de dados dez minutos a cada atualização (grava no banco de dados).</translation>
+    </message>
+    <message>
+        <source>--db-simulate needs --db</source>
+        <translation>--db-simulate precisa de --db</translation>
     </message>
 </context>
 <context>
@@ -573,6 +585,25 @@ Trocar agora?</translation>
     <message>
         <source>cannot write the data: %1</source>
         <translation>não é possível gravar os dados: %1</translation>
+    </message>
+</context>
+<context>
+    <name>WorkOrderSimulator</name>
+    <message>
+        <source>the step failed: %1</source>
+        <translation>o passo falhou: %1</translation>
+    </message>
+    <message>
+        <source>cannot start a transaction: %1</source>
+        <translation>não é possível iniciar uma transação: %1</translation>
+    </message>
+    <message>
+        <source>the database has no &quot;clock&quot; setting (YYYY-MM-DD HH:MM) to move on; --db-generate writes one</source>
+        <translation>o banco de dados não tem a configuração &quot;clock&quot; (YYYY-MM-DD HH:MM) para avançar; --db-generate grava uma</translation>
+    </message>
+    <message>
+        <source>cannot write the step: %1</source>
+        <translation>não é possível gravar o passo: %1</translation>
     </message>
 </context>
 <context>
