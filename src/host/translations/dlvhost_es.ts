@@ -237,7 +237,7 @@
     </message>
     <message>
         <source>--db-generate takes only --seed and --db-clock besides</source>
-        <translation>--db-generate solo admite además --seed y --db-clock</translation>
+        <translation>junto con --db-generate solo se admiten --seed y --db-clock</translation>
     </message>
     <message>
         <source>With --db: move the database&apos;s day on by ten minutes at every refresh (writes to the database).</source>

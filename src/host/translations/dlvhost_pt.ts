@@ -237,7 +237,7 @@
     </message>
     <message>
         <source>--db-generate takes only --seed and --db-clock besides</source>
-        <translation>--db-generate aceita além dele apenas --seed e --db-clock</translation>
+        <translation>junto com --db-generate só são aceitos --seed e --db-clock</translation>
     </message>
     <message>
         <source>With --db: move the database&apos;s day on by ten minutes at every refresh (writes to the database).</source>
