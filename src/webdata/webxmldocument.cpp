@@ -3,6 +3,9 @@
 #include "webdata/webxmltext_p.h"
 
 #include <cstring>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 #include <new>
 
 Q_LOGGING_CATEGORY(lcWebData, "dlv.webdata", QtWarningMsg)
@@ -112,6 +115,29 @@ const Char *skipPast(const Char *p, const Char *end, const char *terminator)
     return end;
 }
 
+bool holdsNulOrSurrogate(const char16_t *p, const char16_t *end)
+{
+#ifdef __SSE2__
+    // Eight code units at a time: a megabyte of text in well under a millisecond.
+    const __m128i surrogateMask = _mm_set1_epi16(short(0xF800));
+    const __m128i surrogateBits = _mm_set1_epi16(short(0xD800));
+    const __m128i zero = _mm_setzero_si128();
+    for (; end - p >= 8; p += 8) {
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+        const __m128i hit =
+            _mm_or_si128(_mm_cmpeq_epi16(v, zero),
+                         _mm_cmpeq_epi16(_mm_and_si128(v, surrogateMask), surrogateBits));
+        if (_mm_movemask_epi8(hit) != 0)
+            return true;
+    }
+#endif
+    for (; p < end; ++p) {
+        if (*p == 0 || (*p & 0xF800) == 0xD800)
+            return true;
+    }
+    return false;
+}
+
 bool holdsCharacterReference(const unsigned char *begin, const unsigned char *end)
 {
     for (const unsigned char *p = begin; p < end; ++p) {
@@ -188,8 +214,18 @@ qsizetype WebXmlDocument::firstLossyReference(const Char *begin, const Char *end
 
 void WebXmlDocument::checkText(QStringView xml, const WebXmlKind &kind)
 {
+    checkUnits(xml, kind);
+    if (const qsizetype at = firstLossyReference(xml.utf16(), xml.utf16() + xml.size()); at >= 0)
+        throwLossyReference(kind, utf16Position(xml, at));
+}
+
+void WebXmlDocument::checkUnits(QStringView xml, const WebXmlKind &kind)
+{
     // The parser would end the text at a NUL and silently drop unpaired surrogates; both are
-    // refused here so that nothing is lost without an error.
+    // refused here so that nothing is lost without an error. Text without any NUL or surrogate
+    // (nearly all) is settled by one pass the compiler can vectorise.
+    if (!holdsNulOrSurrogate(xml.utf16(), xml.utf16() + xml.size()))
+        return;
     for (qsizetype i = 0; i < xml.size(); ++i) {
         const char16_t u = xml[i].unicode();
         if (u < 0xD800 && u != 0)
@@ -208,8 +244,6 @@ void WebXmlDocument::checkText(QStringView xml, const WebXmlKind &kind)
                                .arg(utf16Position(xml, i))
                                .arg(unsigned(u), 0, 16));
     }
-    if (const qsizetype at = firstLossyReference(xml.utf16(), xml.utf16() + xml.size()); at >= 0)
-        throwLossyReference(kind, utf16Position(xml, at));
 }
 
 void WebXmlDocument::checkText(QByteArrayView utf8, const WebXmlKind &kind)

@@ -59,6 +59,8 @@ public:
     /// Refusals before any parsing: a NUL, an unpaired surrogate, a lossy character reference.
     static void checkText(QStringView xml, const WebXmlKind &kind);
     static void checkText(QByteArrayView utf8, const WebXmlKind &kind);
+    /// The first half of checkText for UTF-16: only the NULs and unpaired surrogates.
+    static void checkUnits(QStringView xml, const WebXmlKind &kind);
     /// A text that is not well-formed: the parser's description at an offset into the UTF-8 form
     /// of the text (for UTF-16 text, mapped back to a character index).
     [[noreturn]] static void throwParseError(QStringView xml, const WebXmlKind &kind,

@@ -1076,11 +1076,16 @@ template <typename B> void loadUtf8(B &builder, QByteArrayView utf8, const WebXm
 
 template <typename B> void loadUtf16(B &builder, QStringView xml, const WebXmlKind &kind)
 {
-    WebXmlDocument::checkText(xml, kind);
+    WebXmlDocument::checkUnits(xml, kind);
     try {
-        // After the checks the text converts without loss; one UTF-8 copy is the price of one
+        // After the check the text converts without loss; one UTF-8 copy is the price of one
         // tokeniser for both forms.
         const QByteArray utf8 = xml.toUtf8();
+        // A lossy reference is found alike in both forms (its markers are ASCII), and quicker in
+        // the bytes; the text's own check then reports it with the text's position.
+        const auto *bytes = reinterpret_cast<const unsigned char *>(utf8.constData());
+        if (WebXmlDocument::firstLossyReference(bytes, bytes + utf8.size()) >= 0)
+            WebXmlDocument::checkText(xml, kind);
         parse(builder, utf8, xml, kind);
     } catch (const std::bad_alloc &) {
         WebXmlDocument::throwOutOfMemory(kind);
