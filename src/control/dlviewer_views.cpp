@@ -184,6 +184,14 @@ void DLViewerPrivate::mDLV_FillBUHierarchyGrid(BusinessUnits &bus)
             SaveCollapsedList(1, *collapsedLists[1]);
             SaveCollapsedList(2, *collapsedLists[2]);
         }
+        // The user's place in each tree (the keyboard's current cell, where Enter drills down)
+        // goes back to the same unit after the refill, when that unit is still shown.
+        std::array<std::pair<QString, int>, 2> places;
+        for (std::size_t i = 1; i <= 2; ++i) {
+            const OutlineGrid &grid = grids[i];
+            if (grid.currentRow() >= grid.fixedRows())
+                places[i - 1] = {grid.rowData(grid.currentRow()), grid.currentCol()};
+        }
         {
             OutlineGrid::RedrawSuspender suspendWorkOrders(grids[1]);
             OutlineGrid::RedrawSuspender suspendPoints(grids[2]);
@@ -196,6 +204,13 @@ void DLViewerPrivate::mDLV_FillBUHierarchyGrid(BusinessUnits &bus)
             } else {
                 RestoreNodes(QStringLiteral("BUWorkOrders"), 1);
                 RestoreNodes(QStringLiteral("BUPoints"), 2);
+            }
+            for (std::size_t i = 1; i <= 2; ++i) {
+                OutlineGrid &grid = grids[i];
+                const auto &[key, col] = places[i - 1];
+                const int row = key.isEmpty() ? -1 : grid.findRow(key);
+                if (row >= 0 && col < grid.colCount() && grid.isRowVisible(row))
+                    grid.setCurrentCell(row, col);
             }
         }
         hierarchyGridFilled = true;

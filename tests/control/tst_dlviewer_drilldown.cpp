@@ -3,6 +3,7 @@
 
 #include "common/dlverror.h"
 #include "controlfixture.h"
+#include "views/outlinegridmodel.h"
 
 #include <QTest>
 
@@ -120,4 +121,21 @@ TEST_F(DLViewerDrillDown, ErrorsInsideAreReportedWithTheProceduresLocation)
     EXPECT_EQ(errors[0].location, "DLViewer.lblTechCount_Click");
     EXPECT_EQ(errors[1].location, "DLViewer.vsFlex_DblClick");
     EXPECT_EQ(errors[1].description, "host failed");
+}
+
+// The keyboard's place in a hierarchy survives a refresh: after new data the current cell is on
+// the same unit, so Enter still asks for that unit's records.
+TEST_F(DLViewerDrillDown, TheCurrentCellOfAHierarchyStaysOnItsUnitAcrossARefresh)
+{
+    OutlineGridView *v = showGrid(1);
+    QTest::mouseClick(v->viewport(), Qt::LeftButton, {}, at(v, d().grids[1].findRow("S"), 1));
+    send(sampleData());
+    const OutlineGrid &grid = d().grids[1];
+    ASSERT_GE(grid.currentRow(), grid.fixedRows());
+    EXPECT_EQ(grid.rowData(grid.currentRow()), QStringLiteral("S"));
+    EXPECT_EQ(grid.currentCol(), 1);
+    EXPECT_EQ(OutlineGridModel::gridRow(v->currentIndex()), grid.currentRow());
+    v->setFocus();
+    QTest::keyClick(v, Qt::Key_Return);
+    EXPECT_EQ(describe(host->details), "S/USER////45\n"); // W is not in the session
 }
