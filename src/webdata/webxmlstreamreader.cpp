@@ -614,7 +614,7 @@ private:
     struct Frame
     {
         const Byte *name;
-        std::uint32_t length;
+        std::size_t length;
         Role role;
         bool hasValue; // the parser keeps the first text in the element itself
         bool hasChild;
@@ -794,9 +794,7 @@ template <typename B> bool Tokenizer<B>::startElement(const Byte *&s)
             m_builder.fail(e);
         }
     }
-    if (length > std::numeric_limits<std::uint32_t>::max())
-        throw std::bad_alloc();
-    m_stack.push_back(Frame{name, std::uint32_t(length), role, false, false});
+    m_stack.push_back(Frame{name, length, role, false, false});
     const char *wanted = role == Role::Skip ? nullptr : B::wantedAttribute(role);
     std::optional<Span> attribute;
     const auto started = [&] {
