@@ -10,8 +10,6 @@
 class BenchSurface final : public DLVSurface
 {
 public:
-    void setCaption(QStringView, const QString &) override {}
-    void setVisible(QStringView, bool) override {}
     [[nodiscard]] int buListCount() const override { return 0; }
     [[nodiscard]] QString buListKey(int) const override { return {}; }
     [[nodiscard]] bool buListSelected(int) const override { return false; }

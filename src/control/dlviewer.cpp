@@ -115,6 +115,9 @@ DLViewerPrivate::DLViewerPrivate(DLViewer *qq)
                      [this](BusinessUnits &bus) { mDLV_FillBUHierarchyGrid(bus); });
     QObject::connect(mDLV.get(), &cDLVController::FillSingleBUGrid, q,
                      [this](BusinessUnits &bus) { mDLV_FillSingleBUGrid(bus); });
+    QObject::connect(
+        mDLV.get(), &cDLVController::RefreshTimesChanged, q,
+        [this](const QString &last, const QString &next) { showRefreshTimes(last, next); });
 }
 
 DLViewerPrivate::~DLViewerPrivate() = default;
@@ -123,7 +126,6 @@ QLabel *DLViewerPrivate::namedLabel(QWidget *parent, const char *name)
 {
     auto *label = new QLabel(parent);
     label->setObjectName(QString::fromLatin1(name));
-    m_byName.insert(label->objectName(), label);
     return label;
 }
 
@@ -216,7 +218,6 @@ void DLViewerPrivate::createWidgets()
         fraBU[i]->setObjectName(QStringLiteral("fraBU%1").arg(i));
         fraBU[i]->setFrameShape(QFrame::StyledPanel);
         fraBU[i]->setAutoFillBackground(true);
-        m_byName.insert(fraBU[i]->objectName(), fraBU[i]);
     }
     createPanel(fraBU[0]);
 
@@ -229,11 +230,6 @@ void DLViewerPrivate::createWidgets()
     }
     fraBU[1]->setVisible(false);
     createGrids();
-
-    for (QWidget *w : std::initializer_list<QWidget *>{fraDLV, tbMain, fraSelection, lvBU,
-                                                       fraStatus, Tabs, cmdView, optBU[0], optBU[1],
-                                                       optDisplay[0], optDisplay[1]})
-        m_byName.insert(w->objectName(), w);
 }
 
 void DLViewerPrivate::createPanel(QFrame *frame)
@@ -312,24 +308,15 @@ QString DLViewerPrivate::caption(const QString &key) const
     return captions ? captions->caption(key) : QString();
 }
 
-// --- DLVSurface
-
-void DLViewerPrivate::setCaption(QStringView controlName, const QString &text)
+void DLViewerPrivate::showRefreshTimes(const QString &last, const QString &next)
 {
-    if (auto *label = qobject_cast<QLabel *>(m_byName.value(controlName.toString()))) {
-        label->setText(text);
-        relayoutTopRow();
-        if (label == lblNextRefreshTime && mDLV && liveCues)
-            liveCues->refreshTimesWritten(mDLV->LastRefresh(), mDLV->NextRefresh());
-    }
-}
-
-void DLViewerPrivate::setVisible(QStringView controlName, bool visible)
-{
-    if (QWidget *w = m_byName.value(controlName.toString())) {
-        w->setVisible(visible);
-        relayoutTopRow();
-    }
+    lblLastRefreshTime->setText(last);
+    lblNextRefreshTime->setText(next);
+    for (QLabel *label : {lblLastTime, lblLastRefreshTime, lblNextTime, lblNextRefreshTime})
+        label->setVisible(true);
+    relayoutTopRow();
+    if (mDLV && liveCues)
+        liveCues->refreshTimesWritten(mDLV->LastRefresh(), mDLV->NextRefresh());
 }
 
 void DLViewerPrivate::relayoutTopRow()

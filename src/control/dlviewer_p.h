@@ -8,7 +8,6 @@
 #include "views/panelvalues.h"
 #include "webdata/resultenvelope.h"
 
-#include <QHash>
 #include <QPointer>
 #include <array>
 #include <memory>
@@ -48,8 +47,6 @@ public:
     Q_DISABLE_COPY_MOVE(DLViewerPrivate)
 
     // --- DLVSurface
-    void setCaption(QStringView controlName, const QString &text) override;
-    void setVisible(QStringView controlName, bool visible) override;
     [[nodiscard]] int buListCount() const override;
     [[nodiscard]] QString buListKey(int index) const override;
     [[nodiscard]] bool buListSelected(int index) const override;
@@ -62,6 +59,8 @@ public:
     void ShowStatus(const QString &messageKey, bool error);
     void HideStatus();
     void EnableDataControls(bool enabled);
+    /// The refresh times of the last data message, shown with their headings.
+    void showRefreshTimes(const QString &last, const QString &next);
     void SetCaptions();
     void setHourglass(bool busy);
     [[nodiscard]] QString caption(const QString &key) const;
@@ -262,7 +261,6 @@ private:
     void createPanel(QFrame *frame);
     QLabel *namedLabel(QWidget *parent, const char *name);
 
-    QHash<QString, QWidget *> m_byName;
     std::unique_ptr<DialogHost> m_dialogs;
     std::unique_ptr<ErrorReport> m_errorReport;
 };

@@ -256,8 +256,6 @@ void cDLVController::LoadBUData(const QZWebTable &general, const QZWebTable &det
 
 void cDLVController::UpdateRefreshTimes(const QZWebMessage &message)
 {
-    if (!m_surface)
-        throw DLVError::invalidCall(QStringLiteral("the controller has no surface to write to"));
     QString format;
     if (m_timeFormats) {
         if (const QString *own = m_timeFormats->find(m_languageID))
@@ -266,16 +264,12 @@ void cDLVController::UpdateRefreshTimes(const QZWebMessage &message)
             format = *english;
     }
     const QDateTime now = m_clock ? m_clock() : QDateTime::currentDateTime();
-    m_surface->setCaption(u"lblLastRefreshTime", Conv::formatTime(now.time(), format));
+    const QString lastText = Conv::formatTime(now.time(), format);
     const double minutes = Conv::leadingNumber(message.property(u"tqDBRefreshInterval"));
     const QDateTime next = addMinutes(now, minutes);
     m_lastRefresh = now;
     m_nextRefresh = next;
-    m_surface->setCaption(u"lblNextRefreshTime", Conv::formatTime(next.time(), format));
-    m_surface->setVisible(u"lblLastTime", true);
-    m_surface->setVisible(u"lblLastRefreshTime", true);
-    m_surface->setVisible(u"lblNextTime", true);
-    m_surface->setVisible(u"lblNextRefreshTime", true);
+    emit RefreshTimesChanged(lastText, Conv::formatTime(next.time(), format));
 }
 
 void cDLVController::FillSingleBU()

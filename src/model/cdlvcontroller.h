@@ -20,7 +20,7 @@ class QZWebTable;
 
 /// The one object between the host's data messages and the views. It decides what kind of
 /// message arrived, rebuilds the code lookups and the business-unit model from a "DLVData"
-/// message, writes the refresh times on the control's surface, and tells the control through its
+/// message, works out the refresh times, and tells the control through its
 /// signals when to show or hide the status line and when to fill the grids. Signals are emitted
 /// synchronously: the control's handlers run inside the controller's call.
 ///
@@ -99,6 +99,9 @@ Q_SIGNALS:
     void HideStatus();
     void FillSingleBUGrid(BusinessUnits &bus);
     void FillBUHierarchyGrid(BusinessUnits &bus);
+    /// A data message was loaded: the texts of the last and the next refresh time, in the
+    /// language's time format (LastRefresh() and NextRefresh() hold the times themselves).
+    void RefreshTimesChanged(const QString &lastRefreshText, const QString &nextRefreshText);
 
 private:
     /// Returns true when the load got as far as raising FillBUHierarchyGrid.

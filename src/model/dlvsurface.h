@@ -1,20 +1,14 @@
 #pragma once
 
 #include <QString>
-#include <QStringView>
 
-/// What the data controller needs of the control's surface, and nothing more. The control
-/// implements it with its widgets (labels found by object name, the list view lvBU); tests fake
-/// it. Keeping the controller behind this seam keeps the model library free of widgets.
+/// What the data controller reads of the control: the unit list lvBU, whose selection decides
+/// the units summed. The control implements it with its list; tests fake it. What the controller
+/// tells the control (status, fills, refresh times) goes out as signals instead.
 class DLVSurface
 {
 public:
     virtual ~DLVSurface() = default;
-
-    /// Sets the caption of the label named controlName ("lblLastRefreshTime", ...).
-    virtual void setCaption(QStringView controlName, const QString &text) = 0;
-    /// Shows or hides the control named controlName ("lblLastTime", ...).
-    virtual void setVisible(QStringView controlName, bool visible) = 0;
 
     /// Items of the list view lvBU, 0-based, in list order. A key is "_" followed by the unit id.
     [[nodiscard]] virtual int buListCount() const = 0;

@@ -23,7 +23,8 @@ private:
     int m_count = 0;
 };
 
-/// A controller wired to a fake surface and a recording reporter, with a fixed clock (10:50).
+/// A controller wired to a fake surface, a recording reporter and a record of the refresh times
+/// it tells of, with a fixed clock (10:50).
 /// load() delivers a message as if no grid fill were in progress, since no views are connected
 /// here to clear the busy flags. Usable as a fixture or, one per row, in case tables.
 struct ControllerRig
@@ -32,6 +33,12 @@ struct ControllerRig
     {
         controller.Initialize(&surface);
         controller.setClock([this] { return now; });
+        QObject::connect(&controller, &cDLVController::RefreshTimesChanged, &controller,
+                         [this](const QString &last, const QString &next) {
+                             ++times.count;
+                             times.last = last;
+                             times.next = next;
+                         });
     }
 
     void load(const DLVDataBuilder &builder)
@@ -57,6 +64,12 @@ struct ControllerRig
         return out;
     }
 
+    /// The refresh times the controller told of: how often, and the last texts.
+    struct
+    {
+        int count = 0;
+        QString last, next;
+    } times;
     RecordingReporter reporter;
     FakeSurface surface;
     cDLVController controller{&reporter};
