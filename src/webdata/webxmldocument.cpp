@@ -152,7 +152,21 @@ bool holdsCharacterReference(const unsigned char *begin, const unsigned char *en
 
 bool holdsCharacterReference(const char16_t *begin, const char16_t *end)
 {
-    for (const char16_t *p = begin; p + 1 < end; ++p) {
+    const char16_t *p = begin;
+#ifdef __SSE2__
+    // Blocks of eight code units without an '&' are passed over at once.
+    const __m128i ampersand = _mm_set1_epi16(short(u'&'));
+    for (; end - p > 8; p += 8) {
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+        if (_mm_movemask_epi8(_mm_cmpeq_epi16(v, ampersand)) == 0)
+            continue;
+        for (int k = 0; k < 8; ++k) {
+            if (p[k] == u'&' && p[k + 1] == u'#')
+                return true;
+        }
+    }
+#endif
+    for (; p + 1 < end; ++p) {
         if (*p == u'&' && p[1] == u'#')
             return true;
     }

@@ -33,10 +33,10 @@ enum class Role : std::uint8_t
     Code,     // <C u=..> inside a value or property
 };
 
-struct Span
+template <typename Char> struct SpanOf
 {
-    const Byte *begin = nullptr;
-    const Byte *end = nullptr;
+    const Char *begin = nullptr;
+    const Char *end = nullptr;
 };
 
 } // namespace WebXmlStreamParts
@@ -74,19 +74,80 @@ constexpr std::array<std::uint8_t, 256> makeClasses()
 
 constexpr std::array<std::uint8_t, 256> classes = makeClasses();
 
-inline bool is(Byte c, CharClass cls)
+// A code unit's class; UTF-16 units above 0xFF are letters, like the bytes of UTF-8 sequences.
+inline bool isUnit(unsigned c, CharClass cls)
 {
-    return (classes[c] & cls) != 0;
+    return c < 256 ? (classes[c] & cls) != 0 : cls != Space;
 }
 
-template <std::size_t N> bool named(const Byte *name, std::size_t length, const char (&literal)[N])
+template <typename Char>
+bool namedAs(const Char *name, std::size_t length, const char *literal, std::size_t literalLength)
 {
-    return length == N - 1 && std::memcmp(name, literal, N - 1) == 0;
+    if (length != literalLength)
+        return false;
+    for (std::size_t i = 0; i < length; ++i) {
+        if (name[i] != Char(static_cast<unsigned char>(literal[i])))
+            return false;
+    }
+    return true;
 }
 
-bool namedAs(const Byte *name, std::size_t length, const char *literal)
+template <typename Char, std::size_t N>
+bool named(const Char *name, std::size_t length, const char (&literal)[N])
 {
-    return std::strlen(literal) == length && std::memcmp(name, literal, length) == 0;
+    return namedAs(name, length, literal, N - 1);
+}
+
+template <typename Char> bool namedAs(const Char *name, std::size_t length, const char *literal)
+{
+    return namedAs(name, length, literal, std::strlen(literal));
+}
+
+inline const Byte *findUnit(const Byte *p, const Byte *end, Byte unit)
+{
+    return static_cast<const Byte *>(std::memchr(p, unit, std::size_t(end - p)));
+}
+
+inline const char16_t *findUnit(const char16_t *p, const char16_t *end, char16_t unit)
+{
+    for (; p < end; ++p) {
+        if (*p == unit)
+            return p;
+    }
+    return nullptr;
+}
+
+// Names as the tree reader shows them in errors: its UTF-8 decoded leniently, or strictly.
+inline QString lenientName(const Byte *name, std::size_t length)
+{
+    return QString::fromUtf8(reinterpret_cast<const char *>(name), qsizetype(length));
+}
+
+inline QString lenientName(const char16_t *name, std::size_t length)
+{
+    // Through the UTF-8 form, as the tree reader shows it (a leading U+FEFF is dropped there).
+    return QString::fromUtf8(QStringView(name, qsizetype(length)).toUtf8());
+}
+
+inline QString strictName(const Byte *name, std::size_t length)
+{
+    return WebXmlText::toQString(std::string(reinterpret_cast<const char *>(name), length).c_str());
+}
+
+inline QString strictName(const char16_t *name, std::size_t length)
+{
+    return QString(reinterpret_cast<const QChar *>(name), qsizetype(length)); // checked: valid
+}
+
+// Literal text in the UTF-8 form the tree parser keeps.
+inline void appendLiteral(std::string &out, const Byte *begin, const Byte *end)
+{
+    out.append(reinterpret_cast<const char *>(begin), std::size_t(end - begin));
+}
+
+inline void appendLiteral(std::string &out, const char16_t *begin, const char16_t *end)
+{
+    out += QStringView(begin, end - begin).toUtf8().toStdString();
 }
 
 // The bytes of a character reference as the tree parser writes them into its buffer: any 32-bit
@@ -118,10 +179,11 @@ std::size_t writeUtf8Any(std::uint32_t ch, char *out)
 // Resolves the entity or character reference at p ("&..."), within text ending at end. Returns
 // the end of the reference and writes its bytes to out, or returns nullptr when the text is not
 // a reference the parser knows, which then stays as written.
-const Byte *resolveReference(const Byte *p, const Byte *end, std::string &out)
+template <typename Char>
+const Char *resolveReference(const Char *p, const Char *end, std::string &out)
 {
-    const auto at = [end](const Byte *q) -> unsigned { return q < end ? *q : 0u; };
-    const Byte *s = p + 1;
+    const auto at = [end](const Char *q) -> unsigned { return q < end ? unsigned(*q) : 0u; };
+    const Char *s = p + 1;
     switch (at(s)) {
     case '#': {
         std::uint32_t value = 0;
@@ -198,17 +260,17 @@ const Byte *resolveReference(const Byte *p, const Byte *end, std::string &out)
 
 // The text as the tree parser stores it: references resolved, and cut at the first NUL that a
 // reference produced (the parser's strings end there).
-void unescape(const Byte *begin, const Byte *end, std::string &out)
+template <typename Char> void unescape(const Char *begin, const Char *end, std::string &out)
 {
     out.clear();
-    const Byte *p = begin;
+    const Char *p = begin;
     while (p < end) {
-        const auto *amp = static_cast<const Byte *>(std::memchr(p, '&', std::size_t(end - p)));
-        const Byte *stop = amp ? amp : end;
-        out.append(reinterpret_cast<const char *>(p), std::size_t(stop - p));
+        const Char *amp = findUnit(p, end, Char('&'));
+        const Char *stop = amp ? amp : end;
+        appendLiteral(out, p, stop);
         if (!amp)
             break;
-        if (const Byte *next = resolveReference(amp, end, out)) {
+        if (const Char *next = resolveReference(amp, end, out)) {
             p = next;
         } else {
             out.push_back('&');
@@ -242,17 +304,22 @@ public:
 
     /// The role of an element that starts inside an element of the parent role (depth 0: the
     /// document). Root errors are recorded here.
-    Role roleOf(Role parent, bool atRoot, const Byte *name, std::size_t length);
+    template <typename Char>
+    Role roleOf(Role parent, bool atRoot, const Char *name, std::size_t length);
     /// The attribute the role reads, or nullptr.
     static const char *wantedAttribute(Role role);
-    void started(Role role, const std::optional<Span> &attribute);
-    void text(Role role, const Byte *begin, const Byte *end, bool cdata);
+    template <typename Char> void started(Role role, const std::optional<SpanOf<Char>> &attribute);
+    template <typename Char> void text(Role role, const Char *begin, const Char *end, bool cdata)
+    {
+        if (role == Role::Value || role == Role::Property)
+            appendText(textTarget(role), begin, end, cdata);
+    }
     void ended(Role role);
     /// Whether the open row takes another value (else further values are only counted).
     bool rowTakesValue() const { return m_rowValues < std::size_t(m_table.m_columns.size()); }
     /// A whole <V>text</V> (or <V/>) of the open row: the steps roleOf, started, text and ended
     /// would take, in one call.
-    void value(const Byte *begin, const Byte *end)
+    template <typename Char> void value(const Char *begin, const Char *end)
     {
         ++m_rowValues;
         if (begin != end)
@@ -275,10 +342,12 @@ public:
     QZWebMessage takeMessage() { return std::move(m_message); }
 
 private:
-    QString attributeText(const std::optional<Span> &attribute);
+    template <typename Char> QString attributeText(const std::optional<SpanOf<Char>> &attribute);
     void appendText(std::vector<char16_t> &out, const Byte *begin, const Byte *end, bool cdata);
-    void appendCode(std::vector<char16_t> &out, const std::optional<Span> &attribute);
-    void startTable(const std::optional<Span> &attribute);
+    void appendText(std::vector<char16_t> &out, const char16_t *begin, const char16_t *end,
+                    bool cdata);
+    template <typename Char>
+    void appendCode(std::vector<char16_t> &out, const std::optional<SpanOf<Char>> &attribute);
     void endTable();
     std::vector<char16_t> &textTarget(Role role)
     {
@@ -308,22 +377,20 @@ private:
     std::string m_scratch;
 };
 
-Role WebXmlStreamReader::Builder::roleOf(Role parent, bool atRoot, const Byte *name,
+template <typename Char>
+Role WebXmlStreamReader::Builder::roleOf(Role parent, bool atRoot, const Char *name,
                                          std::size_t length)
 {
     if (atRoot) {
         if (m_rootSeen) {
             if (!m_rootError)
-                m_rootError =
-                    RootError{false, QString::fromUtf8(reinterpret_cast<const char *>(name),
-                                                       qsizetype(length))};
+                m_rootError = RootError{false, lenientName(name, length)};
             m_building = false;
             return Role::Skip;
         }
         m_rootSeen = true;
         if (!namedAs(name, length, m_kind.root)) {
-            m_rootError = RootError{
-                true, QString::fromUtf8(reinterpret_cast<const char *>(name), qsizetype(length))};
+            m_rootError = RootError{true, lenientName(name, length)};
             m_building = false;
             return Role::Skip;
         }
@@ -361,12 +428,11 @@ Role WebXmlStreamReader::Builder::roleOf(Role parent, bool atRoot, const Byte *n
             m_codeParent = parent;
             return Role::Code;
         }
-        fail(DLVError(
-            DLVError::InvalidCall,
-            QStringLiteral("unexpected element <%1> inside <%2>")
-                .arg(WebXmlText::toQString(
-                         std::string(reinterpret_cast<const char *>(name), length).c_str()),
-                     parent == Role::Value ? QStringLiteral("V") : QStringLiteral("Property"))));
+        fail(DLVError(DLVError::InvalidCall,
+                      QStringLiteral("unexpected element <%1> inside <%2>")
+                          .arg(strictName(name, length), parent == Role::Value
+                                                             ? QStringLiteral("V")
+                                                             : QStringLiteral("Property"))));
         return Role::Skip;
     default:
         return Role::Skip;
@@ -389,7 +455,8 @@ const char *WebXmlStreamReader::Builder::wantedAttribute(Role role)
     }
 }
 
-QString WebXmlStreamReader::Builder::attributeText(const std::optional<Span> &attribute)
+template <typename Char>
+QString WebXmlStreamReader::Builder::attributeText(const std::optional<SpanOf<Char>> &attribute)
 {
     if (!attribute)
         return QString();
@@ -417,8 +484,21 @@ void WebXmlStreamReader::Builder::appendText(std::vector<char16_t> &out, const B
     WebXmlText::appendUtf8(out, m_scratch.data(), m_scratch.data() + m_scratch.size());
 }
 
+void WebXmlStreamReader::Builder::appendText(std::vector<char16_t> &out, const char16_t *begin,
+                                             const char16_t *end, bool cdata)
+{
+    if (cdata || !findUnit(begin, end, u'&')) {
+        out.insert(out.end(), begin, end);
+        return;
+    }
+    // References go the way of the UTF-8 form, so that each reads exactly as there.
+    unescape(begin, end, m_scratch);
+    WebXmlText::appendUtf8(out, m_scratch.data(), m_scratch.data() + m_scratch.size());
+}
+
+template <typename Char>
 void WebXmlStreamReader::Builder::appendCode(std::vector<char16_t> &out,
-                                             const std::optional<Span> &attribute)
+                                             const std::optional<SpanOf<Char>> &attribute)
 {
     if (attribute)
         unescape(attribute->begin, attribute->end, m_scratch);
@@ -449,12 +529,6 @@ void WebXmlStreamReader::Builder::appendCode(std::vector<char16_t> &out,
     out.push_back(char16_t(value));
 }
 
-void WebXmlStreamReader::Builder::startTable(const std::optional<Span> &attribute)
-{
-    m_table = QZWebTable(attributeText(attribute));
-    m_seenColumns.clear();
-}
-
 void WebXmlStreamReader::Builder::endTable()
 {
     // Loading grew the buffers geometrically; give back a large surplus.
@@ -473,7 +547,8 @@ void WebXmlStreamReader::Builder::endTable()
     m_table = QZWebTable();
 }
 
-void WebXmlStreamReader::Builder::started(Role role, const std::optional<Span> &attribute)
+template <typename Char>
+void WebXmlStreamReader::Builder::started(Role role, const std::optional<SpanOf<Char>> &attribute)
 {
     switch (role) {
     case Role::Message:
@@ -491,7 +566,8 @@ void WebXmlStreamReader::Builder::started(Role role, const std::optional<Span> &
         m_data = QZWebData();
         break;
     case Role::Table:
-        startTable(attribute);
+        m_table = QZWebTable(attributeText(attribute));
+        m_seenColumns.clear();
         break;
     case Role::Column: {
         if (m_table.m_rows > 0)
@@ -520,12 +596,6 @@ void WebXmlStreamReader::Builder::started(Role role, const std::optional<Span> &
     case Role::Skip:
         break;
     }
-}
-
-void WebXmlStreamReader::Builder::text(Role role, const Byte *begin, const Byte *end, bool cdata)
-{
-    if (role == Role::Value || role == Role::Property)
-        appendText(textTarget(role), begin, end, cdata);
 }
 
 void WebXmlStreamReader::Builder::ended(Role role)
@@ -601,10 +671,10 @@ struct ParseError
 // One pass over UTF-8 bytes by the tree parser's rules (its parse of a copied buffer, which ends
 // in a NUL: the refusal of NUL bytes before parsing makes 0 mean "end of text" here). Errors are
 // the parser's status at the same offset; the builder hears of elements, attributes and text.
-template <typename B> class Tokenizer
+template <typename B, typename Char> class Tokenizer
 {
 public:
-    Tokenizer(const Byte *begin, const Byte *end, B &builder)
+    Tokenizer(const Char *begin, const Char *end, B &builder)
         : m_begin(begin), m_end(end), m_builder(builder)
     {}
 
@@ -613,20 +683,20 @@ public:
 private:
     struct Frame
     {
-        const Byte *name;
+        const Char *name;
         std::size_t length;
         Role role;
         bool hasValue; // the parser keeps the first text in the element itself
         bool hasChild;
     };
 
-    unsigned at(const Byte *p) const { return p < m_end ? *p : 0u; }
+    unsigned at(const Char *p) const { return p < m_end ? unsigned(*p) : 0u; }
     bool failAt(pugi::xml_parse_status status, std::ptrdiff_t offset)
     {
         m_error = ParseError{status, offset};
         return false;
     }
-    bool fail(pugi::xml_parse_status status, const Byte *p) { return failAt(status, p - m_begin); }
+    bool fail(pugi::xml_parse_status status, const Char *p) { return failAt(status, p - m_begin); }
 
     template <typename F> void build(F &&f)
     {
@@ -638,7 +708,7 @@ private:
             m_builder.fail(e);
         }
     }
-    void text(Frame &frame, const Byte *begin, const Byte *end, bool cdata)
+    void text(Frame &frame, const Char *begin, const Char *end, bool cdata)
     {
         if (frame.role == Role::Value || frame.role == Role::Property)
             build([&] { m_builder.text(frame.role, begin, end, cdata); });
@@ -650,35 +720,40 @@ private:
         if (role != Role::Skip)
             build([&] { m_builder.ended(role); });
     }
-    void skipSpace(const Byte *&s) const
+    void skipSpace(const Char *&s) const
     {
-        while (s < m_end && is(*s, Space))
+        while (s < m_end && isUnit(*s, Space))
             ++s;
     }
 
-    bool tag(const Byte *&s);
-    bool quickValue(const Byte *&s);
-    bool startElement(const Byte *&s);
-    bool endElement(const Byte *&s);
-    bool question(const Byte *&s);
-    bool exclamation(const Byte *&s);
-    bool doctypeGroup(const Byte *&s);
-    bool doctypePrimitive(const Byte *&s);
-    bool doctypeIgnore(const Byte *&s);
+    bool tag(const Char *&s);
+    bool quickValue(const Char *&s);
+    bool startElement(const Char *&s);
+    bool endElement(const Char *&s);
+    bool question(const Char *&s);
+    bool exclamation(const Char *&s);
+    bool doctypeGroup(const Char *&s);
+    bool doctypePrimitive(const Char *&s);
+    bool doctypeIgnore(const Char *&s);
 
-    const Byte *m_begin;
-    const Byte *m_end;
+    const Char *m_begin;
+    const Char *m_end;
     B &m_builder;
     std::vector<Frame> m_stack;
     bool m_rootHasChild = false;
     std::optional<ParseError> m_error;
 };
 
-template <typename B> std::optional<ParseError> Tokenizer<B>::run()
+template <typename B, typename Char> std::optional<ParseError> Tokenizer<B, Char>::run()
 {
-    const Byte *s = m_begin;
-    if (m_end - m_begin >= 3 && s[0] == 0xEF && s[1] == 0xBB && s[2] == 0xBF)
-        s += 3;
+    const Char *s = m_begin;
+    // A byte-order mark (the UTF-8 bytes of U+FEFF, or the code unit) is not part of the text.
+    if constexpr (sizeof(Char) == 1) {
+        if (m_end - m_begin >= 3 && s[0] == 0xEF && s[1] == 0xBB && s[2] == 0xBF)
+            s += 3;
+    } else if (s < m_end && *s == 0xFEFF) {
+        ++s;
+    }
     while (s < m_end) {
         if (*s == '<') {
             ++s;
@@ -686,7 +761,7 @@ template <typename B> std::optional<ParseError> Tokenizer<B>::run()
                 return m_error;
             continue;
         }
-        const Byte *mark = s;
+        const Char *mark = s;
         skipSpace(s);
         if (at(s) == '<' || at(s) == 0) {
             // Blanks between elements are not data; blanks that are all of an element's content
@@ -696,8 +771,8 @@ template <typename B> std::optional<ParseError> Tokenizer<B>::run()
                 continue;
         }
         s = mark;
-        const auto *lt = static_cast<const Byte *>(std::memchr(s, '<', std::size_t(m_end - s)));
-        const Byte *textEnd = lt ? lt : m_end;
+        const Char *lt = findUnit(s, m_end, Char('<'));
+        const Char *textEnd = lt ? lt : m_end;
         if (!lt)
             break;
         s = lt + 1;
@@ -726,7 +801,7 @@ template <typename B> std::optional<ParseError> Tokenizer<B>::run()
 // Most of a data message is "<V>text</V>" inside rows. Those are read here in one step when they
 // are plainly written; anything else in a row (attributes, blanks, markup inside the value, an
 // extra value) takes the general path, which reads it the same way.
-template <typename B> bool Tokenizer<B>::quickValue(const Byte *&s)
+template <typename B, typename Char> bool Tokenizer<B, Char>::quickValue(const Char *&s)
 {
     if (m_stack.empty() || m_stack.back().role != Role::Row || !m_builder.building() ||
         !m_builder.rowTakesValue())
@@ -739,8 +814,8 @@ template <typename B> bool Tokenizer<B>::quickValue(const Byte *&s)
     }
     if (at(s + 1) != '>')
         return false;
-    const Byte *text = s + 2;
-    const Byte *q = text;
+    const Char *text = s + 2;
+    const Char *q = text;
     while (q < m_end && *q != '<')
         ++q;
     if (at(q + 1) != '/' || at(q + 2) != 'V' || at(q + 3) != '>')
@@ -751,12 +826,12 @@ template <typename B> bool Tokenizer<B>::quickValue(const Byte *&s)
     return true;
 }
 
-template <typename B> bool Tokenizer<B>::tag(const Byte *&s)
+template <typename B, typename Char> bool Tokenizer<B, Char>::tag(const Char *&s)
 {
     const unsigned c = at(s);
     if (c == 'V' && quickValue(s))
         return true;
-    if (is(Byte(c), StartSymbol) && c != 0)
+    if (isUnit(c, StartSymbol) && c != 0)
         return startElement(s);
     if (c == '/')
         return endElement(s);
@@ -767,10 +842,10 @@ template <typename B> bool Tokenizer<B>::tag(const Byte *&s)
     return fail(pugi::status_unrecognized_tag, s);
 }
 
-template <typename B> bool Tokenizer<B>::startElement(const Byte *&s)
+template <typename B, typename Char> bool Tokenizer<B, Char>::startElement(const Char *&s)
 {
-    const Byte *name = s;
-    while (s < m_end && is(*s, Symbol))
+    const Char *name = s;
+    while (s < m_end && isUnit(*s, Symbol))
         ++s;
     const std::size_t length = std::size_t(s - name);
     const unsigned ch = at(s);
@@ -796,7 +871,7 @@ template <typename B> bool Tokenizer<B>::startElement(const Byte *&s)
     }
     m_stack.push_back(Frame{name, length, role, false, false});
     const char *wanted = role == Role::Skip ? nullptr : B::wantedAttribute(role);
-    std::optional<Span> attribute;
+    std::optional<SpanOf<Char>> attribute;
     const auto started = [&] {
         if (role != Role::Skip)
             build([&] { m_builder.started(role, attribute); });
@@ -814,21 +889,21 @@ template <typename B> bool Tokenizer<B>::startElement(const Byte *&s)
         ++s;
         return true;
     }
-    if (!is(Byte(ch), Space))
+    if (!isUnit(ch, Space))
         return fail(pugi::status_bad_start_element, s);
     for (;;) {
         skipSpace(s);
         const unsigned c = at(s);
-        if (c != 0 && is(Byte(c), StartSymbol)) {
-            const Byte *attributeName = s;
-            while (s < m_end && is(*s, Symbol))
+        if (c != 0 && isUnit(c, StartSymbol)) {
+            const Char *attributeName = s;
+            while (s < m_end && isUnit(*s, Symbol))
                 ++s;
-            const Byte *attributeNameEnd = s;
+            const Char *attributeNameEnd = s;
             unsigned next = at(s);
             if (next == 0)
                 return failAt(pugi::status_bad_attribute, (s - m_begin) + 1);
             ++s;
-            if (is(Byte(next), Space)) {
+            if (isUnit(next, Space)) {
                 skipSpace(s);
                 next = at(s);
                 if (next == 0)
@@ -842,17 +917,16 @@ template <typename B> bool Tokenizer<B>::startElement(const Byte *&s)
             if (quote != '"' && quote != '\'')
                 return fail(pugi::status_bad_attribute, s);
             ++s;
-            const Byte *value = s;
-            const auto *closing =
-                static_cast<const Byte *>(std::memchr(s, int(quote), std::size_t(m_end - s)));
+            const Char *value = s;
+            const Char *closing = findUnit(s, m_end, Char(quote));
             if (!closing)
                 return fail(pugi::status_bad_attribute, value);
             s = closing + 1;
-            if (at(s) != 0 && is(Byte(at(s)), StartSymbol))
+            if (at(s) != 0 && isUnit(at(s), StartSymbol))
                 return fail(pugi::status_bad_attribute, s);
             if (wanted && !attribute &&
                 namedAs(attributeName, std::size_t(attributeNameEnd - attributeName), wanted))
-                attribute = Span{value, closing};
+                attribute = SpanOf<Char>{value, closing};
             continue;
         }
         if (c == '/') {
@@ -873,15 +947,15 @@ template <typename B> bool Tokenizer<B>::startElement(const Byte *&s)
     }
 }
 
-template <typename B> bool Tokenizer<B>::endElement(const Byte *&s)
+template <typename B, typename Char> bool Tokenizer<B, Char>::endElement(const Char *&s)
 {
     ++s;
-    const Byte *mark = s;
+    const Char *mark = s;
     if (m_stack.empty())
         return fail(pugi::status_end_element_mismatch, mark);
     const Frame &frame = m_stack.back();
     std::size_t i = 0;
-    while (s < m_end && is(*s, Symbol)) {
+    while (s < m_end && isUnit(*s, Symbol)) {
         if (i >= frame.length || *s != frame.name[i])
             return fail(pugi::status_end_element_mismatch, mark);
         ++s;
@@ -897,12 +971,12 @@ template <typename B> bool Tokenizer<B>::endElement(const Byte *&s)
     return true;
 }
 
-template <typename B> bool Tokenizer<B>::question(const Byte *&s)
+template <typename B, typename Char> bool Tokenizer<B, Char>::question(const Char *&s)
 {
     ++s;
-    if (at(s) == 0 || !is(Byte(at(s)), StartSymbol))
+    if (at(s) == 0 || !isUnit(at(s), StartSymbol))
         return fail(pugi::status_bad_pi, s);
-    while (s < m_end && is(*s, Symbol))
+    while (s < m_end && isUnit(*s, Symbol))
         ++s;
     if (at(s) == 0)
         return fail(pugi::status_bad_pi, s);
@@ -915,7 +989,7 @@ template <typename B> bool Tokenizer<B>::question(const Byte *&s)
     return true;
 }
 
-template <typename B> bool Tokenizer<B>::exclamation(const Byte *&s)
+template <typename B, typename Char> bool Tokenizer<B, Char>::exclamation(const Char *&s)
 {
     ++s;
     if (at(s) == '-') {
@@ -937,7 +1011,7 @@ template <typename B> bool Tokenizer<B>::exclamation(const Byte *&s)
                 return fail(pugi::status_bad_cdata, s);
         }
         ++s;
-        const Byte *begin = s;
+        const Char *begin = s;
         while (at(s) != 0 && !(at(s) == ']' && at(s + 1) == ']' && at(s + 2) == '>'))
             ++s;
         if (at(s) == 0)
@@ -964,7 +1038,7 @@ template <typename B> bool Tokenizer<B>::exclamation(const Byte *&s)
     return fail(pugi::status_unrecognized_tag, s);
 }
 
-template <typename B> bool Tokenizer<B>::doctypeGroup(const Byte *&s)
+template <typename B, typename Char> bool Tokenizer<B, Char>::doctypeGroup(const Char *&s)
 {
     std::size_t depth = 0;
     s += 2;
@@ -992,7 +1066,7 @@ template <typename B> bool Tokenizer<B>::doctypeGroup(const Byte *&s)
     return fail(pugi::status_bad_doctype, s);
 }
 
-template <typename B> bool Tokenizer<B>::doctypePrimitive(const Byte *&s)
+template <typename B, typename Char> bool Tokenizer<B, Char>::doctypePrimitive(const Char *&s)
 {
     if (at(s) == '"' || at(s) == '\'') {
         const unsigned quote = at(s);
@@ -1022,7 +1096,7 @@ template <typename B> bool Tokenizer<B>::doctypePrimitive(const Byte *&s)
     return true;
 }
 
-template <typename B> bool Tokenizer<B>::doctypeIgnore(const Byte *&s)
+template <typename B, typename Char> bool Tokenizer<B, Char>::doctypeIgnore(const Char *&s)
 {
     std::size_t depth = 0;
     s += 3;
@@ -1042,18 +1116,49 @@ template <typename B> bool Tokenizer<B>::doctypeIgnore(const Byte *&s)
     return fail(pugi::status_bad_doctype, s);
 }
 
-// Parses the bytes into the builder; text is what error positions refer to (the bytes, or the
-// UTF-16 text they were converted from).
-template <typename B, typename Text>
-void parse(B &builder, QByteArrayView utf8, Text text, const WebXmlKind &kind)
+// The offset in the UTF-8 form of the text at which the tree parser, which parses that form,
+// reports what the tokeniser found at a code unit: a position inside a surrogate pair is inside
+// the pair's four bytes there (and maps back to after the pair); past the end stays past it.
+std::ptrdiff_t utf8Offset(const char16_t *text, std::ptrdiff_t size, std::ptrdiff_t index)
 {
-    const auto *begin = reinterpret_cast<const Byte *>(utf8.data());
-    Tokenizer<B> tokenizer(begin, begin + utf8.size(), builder);
+    std::ptrdiff_t bytes = 0;
+    const std::ptrdiff_t limit = std::min(index, size);
+    for (std::ptrdiff_t i = 0; i < limit; ++i) {
+        const char16_t u = text[i];
+        if (u < 0x80)
+            bytes += 1;
+        else if (u < 0x800)
+            bytes += 2;
+        else if (u >= 0xD800 && u <= 0xDBFF && i + 1 < limit) {
+            bytes += 4; // the checked text pairs every high surrogate
+            ++i;
+        } else if (u >= 0xD800 && u <= 0xDBFF)
+            bytes += 1; // the position is inside the pair
+        else
+            bytes += 3;
+    }
+    return bytes + std::max<std::ptrdiff_t>(index - size, 0);
+}
+
+std::ptrdiff_t utf8Offset(const Byte *, std::ptrdiff_t, std::ptrdiff_t index)
+{
+    return index;
+}
+
+// Parses the text into the builder; text is also what error positions refer to.
+template <typename B, typename Char, typename Text>
+void parse(B &builder, const Char *begin, std::ptrdiff_t size, Text text, const WebXmlKind &kind)
+{
+    Tokenizer<B, Char> tokenizer(begin, begin + size, builder);
     std::optional<ParseError> error = tokenizer.run();
-    if (!error && !builder.hasRoot())
-        error = ParseError{pugi::status_no_document_element, std::ptrdiff_t(utf8.size())};
-    else if (error && error->offset > 0 && error->offset == utf8.size())
-        --error->offset; // the parser reports an error at the end on the last character
+    const std::ptrdiff_t utf8Size = utf8Offset(begin, size, size);
+    if (error) {
+        error->offset = utf8Offset(begin, size, error->offset);
+        if (error->offset > 0 && error->offset == utf8Size)
+            --error->offset; // the parser reports an error at the end on the last character
+    } else if (!builder.hasRoot()) {
+        error = ParseError{pugi::status_no_document_element, utf8Size};
+    }
     if (error) {
         pugi::xml_parse_result result;
         result.status = error->status;
@@ -1066,7 +1171,7 @@ template <typename B> void loadUtf8(B &builder, QByteArrayView utf8, const WebXm
 {
     WebXmlDocument::checkText(utf8, kind);
     try {
-        parse(builder, utf8, utf8, kind);
+        parse(builder, reinterpret_cast<const Byte *>(utf8.data()), utf8.size(), utf8, kind);
     } catch (const std::bad_alloc &) {
         WebXmlDocument::throwOutOfMemory(kind);
     }
@@ -1074,17 +1179,11 @@ template <typename B> void loadUtf8(B &builder, QByteArrayView utf8, const WebXm
 
 template <typename B> void loadUtf16(B &builder, QStringView xml, const WebXmlKind &kind)
 {
-    WebXmlDocument::checkUnits(xml, kind);
+    // UTF-16 is read as it is, without a copy of the text: its code units take the place of the
+    // bytes of its UTF-8 form (markup is ASCII in both), and positions are counted in that form.
+    WebXmlDocument::checkText(xml, kind);
     try {
-        // After the check the text converts without loss; one UTF-8 copy is the price of one
-        // tokeniser for both forms.
-        const QByteArray utf8 = xml.toUtf8();
-        // A lossy reference is found alike in both forms (its markers are ASCII), and quicker in
-        // the bytes; the text's own check then reports it with the text's position.
-        const auto *bytes = reinterpret_cast<const unsigned char *>(utf8.constData());
-        if (WebXmlDocument::firstLossyReference(bytes, bytes + utf8.size()) >= 0)
-            WebXmlDocument::checkText(xml, kind);
-        parse(builder, utf8, xml, kind);
+        parse(builder, xml.utf16(), xml.size(), xml, kind);
     } catch (const std::bad_alloc &) {
         WebXmlDocument::throwOutOfMemory(kind);
     }

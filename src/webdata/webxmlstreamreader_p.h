@@ -16,7 +16,7 @@
 /// parser's description and position of a text that is not well-formed: the tokeniser follows
 /// the tree parser's rules step by step (the same lenient handling of entities, root-level text,
 /// document type declarations and end of text). A randomized comparison of both readers in the
-/// tests and a fuzz target guard that equality. UTF-16 text is converted to UTF-8 once.
+/// tests and a fuzz target guard that equality. UTF-16 text is read as it is, without a copy.
 class WebXmlStreamReader
 {
 public:

@@ -344,6 +344,9 @@ TEST(WebStreamReader, AgreesWithTheTreeReaderOnEdgeDocuments)
         "\xEF\xBB\xBF<Table/>",
         "\xEF\xBB\xBF\xEF\xBB\xBF<Table/>",
         "<Table/>\xEF\xBB\xBF",
+        "<Table/><\xEF\xBB\xBF"
+        "Extra/>",
+        "<\xEF\xBB\xBFTable/>",
         "<\xC3\xA9/>",
         "<\xC3/>",
         "<Table name=\"\xC3\"/>",
