@@ -195,8 +195,8 @@ void DLViewerPrivate::createWidgets()
     lvBU->setUniformRowHeights(true);
     lvBU->setColumnCount(1);
     lblBUName->setBuddy(lvBU);
-    unitList =
-        new UnitListPane(fraSelection, lvBU, [this](const QString &key) { return caption(key); });
+    unitList = new UnitListPane(fraSelection, lvBU, choice,
+                                [this](const QString &key) { return caption(key); });
 
     fraStatus = new QFrame(fraDLV);
     fraStatus->setObjectName(QStringLiteral("fraStatus"));
@@ -325,21 +325,6 @@ void DLViewerPrivate::relayoutTopRow()
     // row; laying out those few labels again is cheap.
     int top = kMargin;
     layoutTopRow(q->width(), top);
-}
-
-int DLViewerPrivate::buListCount() const
-{
-    return unitList->count();
-}
-
-QString DLViewerPrivate::buListKey(int index) const
-{
-    return unitList->key(index);
-}
-
-bool DLViewerPrivate::buListSelected(int index) const
-{
-    return unitList->isSelected(index);
 }
 
 // --- ErrorReporter
@@ -486,7 +471,7 @@ void DLViewer::Initialize(const std::shared_ptr<QZWebTransport> &Trans)
     d->captions = std::make_unique<CaptionCatalogue>();
     d->captions->attach(Trans);
     if (d->mDLV)
-        d->mDLV->Initialize(d.get());
+        d->mDLV->Initialize(&d->choice);
     ResizeControls();
     d->btnHelp->setVisible(true);
     d->SetCaptions();
@@ -602,8 +587,8 @@ void DLViewer::ResizeControls()
     // caption catalogue: a host may show (and so resize) the control before Initialize.
     if (!d->firstLayoutDone && d->captions) {
         d->lblStatus->clear();
-        d->optDisplay[0]->setChecked(true);
-        d->optBU[0]->setChecked(true);
+        d->choice.setByWorkOrders(true);
+        d->choice.setSingleUnits(true);
         d->InitSingleBUGrid();
         d->InitBUHierarchyGrid(1);
         d->InitBUHierarchyGrid(2);

@@ -3,7 +3,7 @@
 #include "common/errorreporter.h"
 #include "common/ordereddict.h"
 #include "control/dlviewer.h"
-#include "model/dlvsurface.h"
+#include "model/viewchoice.h"
 #include "views/outlinegrid.h"
 #include "views/panelvalues.h"
 #include "webdata/resultenvelope.h"
@@ -39,17 +39,17 @@ class BusinessUnits;
 
 /// The control's private side: its child widgets, the members it keeps, and the surface the data
 /// controller writes to. Tests include this header to check state the host cannot see.
-class DLViewerPrivate final : public DLVSurface, public ErrorReporter
+class DLViewerPrivate final : public ErrorReporter
 {
 public:
     explicit DLViewerPrivate(DLViewer *q);
     ~DLViewerPrivate() override;
     Q_DISABLE_COPY_MOVE(DLViewerPrivate)
 
-    // --- DLVSurface
-    [[nodiscard]] int buListCount() const override;
-    [[nodiscard]] QString buListKey(int index) const override;
-    [[nodiscard]] bool buListSelected(int index) const override;
+    // --- the unit list as the data controller reads it (the view choice's units)
+    [[nodiscard]] int buListCount() const { return choice.buListCount(); }
+    [[nodiscard]] QString buListKey(int index) const { return choice.buListKey(index); }
+    [[nodiscard]] bool buListSelected(int index) const { return choice.buListSelected(index); }
 
     // --- ErrorReporter: the one report routine (error dialog owned by fraDLV)
     void reportError(qint32 number, const QString &description, const QString &location) override;
@@ -69,6 +69,9 @@ public:
 
     // --- views: grids, unit list, panel and view switching (dlviewer_views.cpp)
     void createGrids();
+    /// Binds the summary and display options to the view choice, both ways (the unit list binds
+    /// itself).
+    void bindViewChoice();
     void InitSingleBUGrid();
     void InitBUHierarchyGrid(int index);
     void FitGridHeight(int index);
@@ -177,6 +180,9 @@ public:
     DLViewer *const q;
 
     // --- members kept by the control
+    /// What the user chose to see; the widgets mirror it (bindViewChoice()). Declared before the
+    /// controller, which reads it.
+    ViewChoice choice;
     std::unique_ptr<cDLVController> mDLV;
     std::unique_ptr<CaptionCatalogue> captions;
     std::unique_ptr<StringSet> sessionBUs;

@@ -82,7 +82,7 @@ int DLViewerPrivate::currentGridIndex() const
 {
     if (Tabs->currentIndex() <= 0)
         return 0;
-    return optDisplay[0]->isChecked() ? 1 : 2;
+    return choice.byWorkOrders() ? 1 : 2;
 }
 
 bool DLViewerPrivate::gridInView(int index) const

@@ -44,14 +44,32 @@ void DLViewerPrivate::createGrids()
     vsFlex[2]->setVisible(false);
 
     QObject::connect(Tabs, &QTabBar::currentChanged, q, [this](int) { Tabs_Click(); });
-    for (int i = 0; i < 2; ++i) {
-        // Setting an option from code (profiles, first layout) switches the display like a click.
-        QObject::connect(optDisplay[i], &QRadioButton::toggled, q, [this, i](bool checked) {
-            if (checked)
-                optDisplay_Click(i);
-        });
-    }
+    bindViewChoice();
     QObject::connect(cmdView, &QPushButton::clicked, q, [this] { cmdView_Click(); });
+}
+
+void DLViewerPrivate::bindViewChoice()
+{
+    for (int i = 0; i < 2; ++i) {
+        QObject::connect(optBU[std::size_t(i)], &QRadioButton::toggled, q, [this, i](bool checked) {
+            if (checked && choice.singleUnits() != (i == 0))
+                choice.setSingleUnits(i == 0);
+        });
+        // Setting the option from code (profiles, first layout) switches the display like a
+        // click.
+        QObject::connect(optDisplay[std::size_t(i)], &QRadioButton::toggled, q,
+                         [this, i](bool checked) {
+                             if (!checked)
+                                 return;
+                             if (choice.byWorkOrders() != (i == 0))
+                                 choice.setByWorkOrders(i == 0);
+                             optDisplay_Click(i);
+                         });
+    }
+    QObject::connect(&choice, &ViewChoice::singleUnitsSet, q,
+                     [this](bool single) { optBU[single ? 0 : 1]->setChecked(true); });
+    QObject::connect(&choice, &ViewChoice::byWorkOrdersSet, q,
+                     [this](bool workOrders) { optDisplay[workOrders ? 0 : 1]->setChecked(true); });
 }
 
 void DLViewerPrivate::InitSingleBUGrid()
@@ -137,9 +155,9 @@ void DLViewerPrivate::ShowBUs(BusinessUnits &bus)
         FillBusy::Scope busy(mDLV->Busy(), FillBusy::SummaryFill);
         if (buListCount() > 0) {
             currentSelection = mDLV->GetBUList();
-            currentBUSet = optBU[0]->isChecked() ? currentSelection : mDLV->GetAggregateBUList();
+            currentBUSet = choice.singleUnits() ? currentSelection : mDLV->GetAggregateBUList();
         }
-        lastFillSingleMode = optBU[0]->isChecked();
+        lastFillSingleMode = choice.singleUnits();
         if (!collapsedLists[0])
             collapsedLists[0] = std::make_unique<StringSet>();
         if (summaryGridFilled)
@@ -236,7 +254,7 @@ void DLViewerPrivate::cmdView_Click()
 {
     if (!mDLV)
         return;
-    const bool singleMode = optBU[0]->isChecked();
+    const bool singleMode = choice.singleUnits();
     if (singleMode != lastFillSingleMode) {
         mDLV->FillSingleBU();
         return;

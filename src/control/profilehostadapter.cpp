@@ -8,8 +8,6 @@
 
 #include <QFrame>
 #include <QLabel>
-#include <QRadioButton>
-#include <QTreeWidget>
 
 void ProfileHostAdapter::raiseProfileRequest(Request request, DLVParams &params)
 {
@@ -60,39 +58,39 @@ QStringList ProfileHostAdapter::selectedBUIds() const
 
 bool ProfileHostAdapter::summaryOption() const
 {
-    return d.optBU[0]->isChecked();
+    return d.choice.singleUnits();
 }
 
 void ProfileHostAdapter::setSummaryOption(bool first)
 {
-    d.optBU[first ? 0 : 1]->setChecked(true);
+    d.choice.setSingleUnits(first);
 }
 
 bool ProfileHostAdapter::displayByWorkOrders() const
 {
-    return d.optDisplay[0]->isChecked();
+    return d.choice.byWorkOrders();
 }
 
 void ProfileHostAdapter::setDisplayByWorkOrders(bool first)
 {
-    // Checking the option is what a user's click does; the display switch follows it.
-    d.optDisplay[first ? 0 : 1]->setChecked(true);
+    // Setting the option is what a user's click does; the display switch follows it.
+    d.choice.setByWorkOrders(first);
     d.optDisplay_Click(first ? 0 : 1);
 }
 
 int ProfileHostAdapter::buItemCount() const
 {
-    return d.buListCount();
+    return d.choice.unitCount();
 }
 
 QString ProfileHostAdapter::buItemKey(int index) const
 {
-    return d.buListKey(index);
+    return d.choice.unitKey(index);
 }
 
 void ProfileHostAdapter::setBUItemSelected(int index, bool selected)
 {
-    d.unitList->setSelected(index, selected);
+    d.choice.setChosen(index, selected);
 }
 
 bool ProfileHostAdapter::hierarchyGridsFilled() const

@@ -1,6 +1,7 @@
 #include "control/unitlistpane.h"
 
 #include "common/displaytext.h"
+#include "model/viewchoice.h"
 
 #include <QItemSelection>
 #include <QLineEdit>
@@ -9,9 +10,10 @@
 #include <QTreeWidget>
 #include <algorithm>
 
-UnitListPane::UnitListPane(QWidget *frame, QTreeWidget *list, CaptionLookup caption)
-    : QObject(frame), m_list(list), m_filter(new QLineEdit(frame)), m_all(new QPushButton(frame)),
-      m_none(new QPushButton(frame)), m_caption(std::move(caption))
+UnitListPane::UnitListPane(QWidget *frame, QTreeWidget *list, ViewChoice &choice,
+                           CaptionLookup caption)
+    : QObject(frame), m_list(list), m_choice(&choice), m_filter(new QLineEdit(frame)),
+      m_all(new QPushButton(frame)), m_none(new QPushButton(frame)), m_caption(std::move(caption))
 {
     m_filter->setObjectName(QStringLiteral("txtBUFilter"));
     m_filter->setClearButtonEnabled(true);
@@ -22,19 +24,56 @@ UnitListPane::UnitListPane(QWidget *frame, QTreeWidget *list, CaptionLookup capt
     connect(m_filter, &QLineEdit::textChanged, this, &UnitListPane::applyFilter);
     connect(m_all, &QPushButton::clicked, this, &UnitListPane::selectAllShown);
     connect(m_none, &QPushButton::clicked, this, &UnitListPane::selectNone);
-    connect(m_list, &QTreeWidget::itemSelectionChanged, this, &UnitListPane::syncChecks);
+    connect(m_list, &QTreeWidget::itemSelectionChanged, this, &UnitListPane::takeSelection);
+    // A choice made in code (a profile, a test) shows in the list; the list's own changes come
+    // back here too and find it already showing them.
+    connect(m_choice, &ViewChoice::chosenChanged, this, [this](int index) {
+        if (m_syncing)
+            return;
+        if (index >= 0 && std::size_t(index) < m_widgets.size()) {
+            m_syncing = true;
+            m_widgets[std::size_t(index)]->setSelected(m_choice->isChosen(index));
+            m_syncing = false;
+            syncChecks();
+        } else {
+            showChoice();
+        }
+    });
 }
 
 UnitListPane::~UnitListPane() = default;
 
+int UnitListPane::count() const
+{
+    return m_choice->unitCount();
+}
+
+const QString &UnitListPane::key(int index) const
+{
+    return m_choice->unitKey(index);
+}
+
 bool UnitListPane::isSelected(int index) const
 {
-    return m_widgets[std::size_t(index)]->isSelected();
+    return m_choice->isChosen(index);
 }
 
 void UnitListPane::setSelected(int index, bool selected)
 {
-    m_widgets[std::size_t(index)]->setSelected(selected);
+    m_choice->setChosen(index, selected);
+}
+
+void UnitListPane::takeSelection()
+{
+    if (m_syncing || !m_choice)
+        return;
+    std::vector<char> chosen(m_widgets.size());
+    for (std::size_t i = 0; i < m_widgets.size(); ++i)
+        chosen[i] = m_widgets[i]->isSelected();
+    m_syncing = true;
+    m_choice->setAllChosen(std::move(chosen));
+    m_syncing = false;
+    syncChecks();
 }
 
 void UnitListPane::fill(std::vector<BUSelection::Item> items,
@@ -42,8 +81,24 @@ void UnitListPane::fill(std::vector<BUSelection::Item> items,
 {
     m_items = std::move(items);
     m_parents = BUSelection::treeParents(m_items);
+    std::vector<QString> keys;
+    std::vector<char> chosen;
+    keys.reserve(m_items.size());
+    chosen.reserve(m_items.size());
+    for (const BUSelection::Item &item : m_items) {
+        keys.push_back(item.key);
+        chosen.push_back(keep(QStringView(item.key).mid(1)));
+    }
+    m_syncing = true;
+    m_choice->setUnits(std::move(keys), std::move(chosen));
+    m_syncing = false;
     rebuild();
+    showChoice();
+    applyFilter();
+}
 
+void UnitListPane::showChoice()
+{
     // The user's choice survives a refresh: one selection change however long the list.
     QItemSelection selection;
     const QAbstractItemModel *model = m_list->model();
@@ -55,13 +110,13 @@ void UnitListPane::fill(std::vector<BUSelection::Item> items,
         const std::size_t slot = parent < 0 ? m_widgets.size() : std::size_t(parent);
         indexes[i] = model->index(childRows[slot]++, 0,
                                   parent < 0 ? QModelIndex() : indexes[std::size_t(parent)]);
-        if (keep(QStringView(m_items[i].key).mid(1)))
+        if (m_choice->isChosen(int(i)))
             selection.select(indexes[i], indexes[i]);
     }
-    if (!selection.isEmpty())
-        m_list->selectionModel()->select(selection, QItemSelectionModel::Select);
+    m_syncing = true;
+    m_list->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    m_syncing = false;
     syncChecks();
-    applyFilter();
 }
 
 void UnitListPane::rebuild()
@@ -99,9 +154,6 @@ void UnitListPane::setTreeShown(bool on)
 {
     if (on == m_treeShown)
         return;
-    std::vector<char> selected(m_widgets.size());
-    for (std::size_t i = 0; i < m_widgets.size(); ++i)
-        selected[i] = m_widgets[i]->isSelected();
     m_treeShown = on;
     m_list->setRootIsDecorated(on);
     // In the tree a click toggles a unit, as a check box would; the flat list keeps the usual
@@ -112,8 +164,9 @@ void UnitListPane::setTreeShown(bool on)
         w->setVisible(on);
     if (!on)
         m_filter->clear();
-    std::size_t i = 0;
-    fill(std::move(m_items), [&](QStringView) { return selected[i++] != 0; });
+    rebuild();
+    showChoice();
+    applyFilter();
 }
 
 void UnitListPane::setFilter(const QString &text)

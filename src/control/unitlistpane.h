@@ -4,6 +4,7 @@
 
 #include <QModelIndex>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <functional>
 #include <vector>
@@ -14,9 +15,12 @@ class QRect;
 class QTreeWidget;
 class QTreeWidgetItem;
 class QWidget;
+class ViewChoice;
 
-/// The unit list lvBU and its optional tree presentation. The list's items, in list order, are
-/// what the selection rules read (count, key, selected), whichever way they are shown: flat, as
+/// The unit list lvBU and its optional tree presentation, bound to the units of the view choice:
+/// the choice holds which units are chosen, the list shows it and writes the user's selection
+/// back. The items, in list order, are what the selection rules read (count, key, selected),
+/// whichever way they are shown: flat, as
 /// the control always showed them, or (with the tree option) indented under their listed
 /// parents with a check box that mirrors the selection, a filter box that narrows the list by
 /// name, and buttons that select every shown unit or none. Clicking a unit in the tree toggles
@@ -29,15 +33,16 @@ class UnitListPane final : public QObject
 public:
     using CaptionLookup = std::function<QString(const QString &)>;
 
-    UnitListPane(QWidget *frame, QTreeWidget *list, CaptionLookup caption);
+    UnitListPane(QWidget *frame, QTreeWidget *list, ViewChoice &choice, CaptionLookup caption);
     ~UnitListPane() override;
 
     /// Replaces the items; keys whose id is in keep are selected again.
     void fill(std::vector<BUSelection::Item> items, const std::function<bool(QStringView)> &keep);
 
-    [[nodiscard]] int count() const { return int(m_widgets.size()); }
-    [[nodiscard]] const QString &key(int index) const { return m_items[std::size_t(index)].key; }
+    [[nodiscard]] int count() const;
+    [[nodiscard]] const QString &key(int index) const;
     [[nodiscard]] bool isSelected(int index) const;
+    /// Chooses or leaves a unit, as a click would; the list follows the choice.
     void setSelected(int index, bool selected);
 
     void setTreeShown(bool on);
@@ -53,10 +58,15 @@ public:
 
 private:
     void rebuild();
+    /// Selects the widgets of the chosen units, in one selection change.
+    void showChoice();
+    /// The user changed the selection: the choice takes it.
+    void takeSelection();
     void applyFilter();
     void syncChecks();
 
     QTreeWidget *m_list;
+    QPointer<ViewChoice> m_choice; ///< owned by the control, which may go before its widgets
     QLineEdit *m_filter;
     QPushButton *m_all;
     QPushButton *m_none;

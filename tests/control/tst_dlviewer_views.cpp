@@ -239,3 +239,33 @@ TEST_F(DLViewerViews, TheUnitTreeShowsTheSameChoiceIndentedWithChecksAndAFilter)
     EXPECT_FALSE(child<QLineEdit>("txtBUFilter")->isVisible());
     EXPECT_TRUE(dialogs->calls.empty());
 }
+
+// The user's choice has one home: what code sets there shows in the widgets, and what the user
+// does in the widgets lands there (the controller and profiles read nothing else).
+TEST_F(DLViewerViews, TheWidgetsMirrorTheViewChoiceBothWays)
+{
+    start(regions(), {"R1", "C1", "R2", "C2"});
+    ViewChoice &choice = d().choice;
+    QTreeWidget *list = d().lvBU;
+
+    choice.setChosen(2, true); // R2
+    EXPECT_TRUE(list->topLevelItem(2)->isSelected());
+    choice.setSingleUnits(false);
+    EXPECT_TRUE(child<QRadioButton>("optBU1")->isChecked());
+    choice.setByWorkOrders(false);
+    EXPECT_TRUE(child<QRadioButton>("optDisplay1")->isChecked());
+
+    list->clearSelection();
+    list->topLevelItem(3)->setSelected(true); // C2, as a click would
+    EXPECT_FALSE(choice.isChosen(2));
+    EXPECT_TRUE(choice.isChosen(3));
+    child<QRadioButton>("optBU0")->click();
+    EXPECT_TRUE(choice.singleUnits());
+    child<QRadioButton>("optDisplay0")->click();
+    EXPECT_TRUE(choice.byWorkOrders());
+    EXPECT_EQ(d().mDLV->GetBUList().keys(), (std::vector<QString>{"C2"}));
+
+    send(regions()); // a refresh keeps the choice and shows it again
+    EXPECT_TRUE(choice.isChosen(3));
+    EXPECT_TRUE(list->topLevelItem(3)->isSelected());
+}
