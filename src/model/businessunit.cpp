@@ -71,7 +71,7 @@ void BusinessUnit::calcTotal()
                     throw DLVError::subscriptOutOfRange(
                         QStringLiteral("no total position for job class \"%1\"")
                             .arg(jobClass.Code()));
-                const qint32 value = jobClass.GetJobDetails(s);
+                const qint32 value = jobClass.JobDetails()[std::size_t(s)];
                 qint32 &cell = accumulator[std::size_t(p)][std::size_t(s)];
                 cell = Conv::addChecked(cell, value);
                 m_grandTotals[std::size_t(s)] =

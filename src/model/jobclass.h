@@ -28,6 +28,8 @@ public:
     /// Throws DLVError(9) when index is outside 0..13.
     void SetJobDetails(qint32 value, int index);
     [[nodiscard]] qint32 GetJobDetails(int index) const;
+    /// All fourteen counters by index, for the sums that read every one of them.
+    [[nodiscard]] const std::array<qint32, CounterCount> &JobDetails() const { return m_counters; }
 
 private:
     QString m_code;

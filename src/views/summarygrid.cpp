@@ -78,8 +78,9 @@ void addToPanel(PanelValues &panel, const BusinessUnit &bu)
 
 void addCounters(std::array<qint32, Counters> &sum, const JobClass &jc)
 {
-    for (int s = 0; s < Counters; ++s)
-        sum[std::size_t(s)] = Conv::addChecked(sum[std::size_t(s)], jc.GetJobDetails(s));
+    const std::array<qint32, Counters> &counters = jc.JobDetails();
+    for (std::size_t s = 0; s < sum.size(); ++s)
+        sum[s] = Conv::addChecked(sum[s], counters[s]);
 }
 
 /// Numbers the job-type and job-class codes met in one fill by their exact text. The loader keeps
