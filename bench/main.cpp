@@ -185,14 +185,16 @@ void printLive(const LiveBench::Times &t, const PhysicalFloor::Times &floor, dou
 }
 
 void printRatio(const QString &name, double a, double b, double goal,
-                const std::vector<std::pair<QString, double>> &fields)
+                const std::vector<std::pair<QString, double>> &fields,
+                const QString &aKey = QStringLiteral("ms_n"),
+                const QString &bKey = QStringLiteral("ms_2n"))
 {
     Stage s(name);
     s.setElapsed(b);
     for (const auto &[key, value] : fields)
         s.add(key, value);
-    s.add(QStringLiteral("ms_n"), a);
-    s.add(QStringLiteral("ms_2n"), b);
+    s.add(aKey, a);
+    s.add(bKey, b);
     const double ratio = a > 0 ? b / a : 0.0;
     s.add(QStringLiteral("ratio"), ratio);
     s.add(QStringLiteral("goal"), goal);
@@ -385,12 +387,12 @@ int main(int argc, char **argv)
         const LiveBench::Times shallow = LiveBench::run(messageN, utf8Of(messageN), 3);
         const LiveBench::Times deepTree = LiveBench::run(deepMessage, utf8Of(deepMessage), 3);
         liveErrors += shallow.errors + deepTree.errors;
-        printRatio(
-            QStringLiteral("depth"), shallow.refresh, deepTree.refresh, kDepthRatio,
-            {{QStringLiteral("depth_n"), options.depth},
-             {QStringLiteral("depth_deep"), deepOptions.depth},
-             {QStringLiteral("units"), options.units},
-             {QStringLiteral("slowest_interaction_deep_ms"), deepTree.slowestInteraction()}});
+        printRatio(QStringLiteral("depth"), shallow.refresh, deepTree.refresh, kDepthRatio,
+                   {{QStringLiteral("depth_n"), options.depth},
+                    {QStringLiteral("depth_deep"), deepOptions.depth},
+                    {QStringLiteral("units"), options.units},
+                    {QStringLiteral("slowest_interaction_deep_ms"), deepTree.slowestInteraction()}},
+                   QStringLiteral("ms_shallow"), QStringLiteral("ms_deep"));
     }
     return load.errors == 0 && viewer.errors == 0 && cueErrors == 0 && liveErrors == 0 ? 0 : 1;
 }
