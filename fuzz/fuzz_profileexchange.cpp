@@ -142,9 +142,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     host.exchange = &exchange;
 
     const int itemCount = in.ConsumeIntegralInRange<int>(0, 5);
-    for (int i = 0; i < itemCount; ++i)
-        host.items.emplace_back(QStringLiteral("_") + pick(in, kIds), in.ConsumeBool());
-    host.selectedIds = joined(in, ",").split(u',', Qt::SkipEmptyParts);
+    std::vector<QString> keys;
+    std::vector<char> chosen;
+    for (int i = 0; i < itemCount; ++i) {
+        keys.push_back(QStringLiteral("_") + pick(in, kIds));
+        chosen.push_back(in.ConsumeBool());
+    }
+    host.choice.setUnits(std::move(keys), std::move(chosen));
     host.gridsFilled = in.ConsumeBool();
     const int answerCount = in.ConsumeIntegralInRange<int>(0, 12);
     for (int i = 0; i < answerCount; ++i) {

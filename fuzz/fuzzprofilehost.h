@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/dlvparams.h"
+#include "model/viewchoice.h"
 #include "profiles/profileexchange.h"
 #include "profiles/profilehost.h"
 #include "support/recordingdialoghost.h"
@@ -38,10 +39,7 @@ public:
     CaptionCatalogue captionCatalogue;
 
     // --- the view
-    QStringList selectedIds;
-    bool summary = true;
-    bool display = true;
-    std::vector<std::pair<QString, bool>> items; ///< lvBU: key "_" + id, selected
+    ViewChoice choice; ///< lvBU's units (key "_" + id) and the two options
     bool gridsFilled = false;
     std::array<QStringList, 3> collapsed;
 
@@ -56,17 +54,7 @@ public:
     }
     void setHourglass(bool busy) override { hourglass = busy; }
     void ClientReady() override { ++clientReady; }
-    QStringList selectedBUIds() const override { return selectedIds; }
-    bool summaryOption() const override { return summary; }
-    void setSummaryOption(bool first) override { summary = first; }
-    bool displayByWorkOrders() const override { return display; }
-    void setDisplayByWorkOrders(bool first) override { display = first; }
-    int buItemCount() const override { return int(items.size()); }
-    QString buItemKey(int index) const override { return items.at(std::size_t(index)).first; }
-    void setBUItemSelected(int index, bool selected) override
-    {
-        items.at(std::size_t(index)).second = selected;
-    }
+    ViewChoice &viewChoice() override { return choice; }
     bool hierarchyGridsFilled() const override { return gridsFilled; }
     StringSet collapsedList(int gridIndex) override
     {

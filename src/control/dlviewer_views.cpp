@@ -68,8 +68,12 @@ void DLViewerPrivate::bindViewChoice()
     }
     QObject::connect(&choice, &ViewChoice::singleUnitsSet, q,
                      [this](bool single) { optBU[single ? 0 : 1]->setChecked(true); });
-    QObject::connect(&choice, &ViewChoice::byWorkOrdersSet, q,
-                     [this](bool workOrders) { optDisplay[workOrders ? 0 : 1]->setChecked(true); });
+    // A display set from code switches the grid in view even when the option was already
+    // checked, as a profile being applied expects.
+    QObject::connect(&choice, &ViewChoice::byWorkOrdersSet, q, [this](bool workOrders) {
+        optDisplay[workOrders ? 0 : 1]->setChecked(true);
+        optDisplay_Click(workOrders ? 0 : 1);
+    });
 }
 
 void DLViewerPrivate::InitSingleBUGrid()

@@ -44,53 +44,9 @@ void ProfileHostAdapter::ClientReady()
     d.ClientReady();
 }
 
-QStringList ProfileHostAdapter::selectedBUIds() const
+ViewChoice &ProfileHostAdapter::viewChoice()
 {
-    QStringList ids;
-    if (!d.mDLV)
-        return ids;
-    const StringSet selected = d.mDLV->GetBUList();
-    ids.reserve(selected.count());
-    for (const auto &entry : selected)
-        ids.append(entry.key);
-    return ids;
-}
-
-bool ProfileHostAdapter::summaryOption() const
-{
-    return d.choice.singleUnits();
-}
-
-void ProfileHostAdapter::setSummaryOption(bool first)
-{
-    d.choice.setSingleUnits(first);
-}
-
-bool ProfileHostAdapter::displayByWorkOrders() const
-{
-    return d.choice.byWorkOrders();
-}
-
-void ProfileHostAdapter::setDisplayByWorkOrders(bool first)
-{
-    // Setting the option is what a user's click does; the display switch follows it.
-    d.choice.setByWorkOrders(first);
-    d.optDisplay_Click(first ? 0 : 1);
-}
-
-int ProfileHostAdapter::buItemCount() const
-{
-    return d.choice.unitCount();
-}
-
-QString ProfileHostAdapter::buItemKey(int index) const
-{
-    return d.choice.unitKey(index);
-}
-
-void ProfileHostAdapter::setBUItemSelected(int index, bool selected)
-{
-    d.choice.setChosen(index, selected);
+    return d.choice;
 }
 
 bool ProfileHostAdapter::hierarchyGridsFilled() const

@@ -16,14 +16,7 @@ public:
     void setHourglass(bool busy) override;
     void ClientReady() override;
 
-    [[nodiscard]] QStringList selectedBUIds() const override;
-    [[nodiscard]] bool summaryOption() const override;
-    void setSummaryOption(bool first) override;
-    [[nodiscard]] bool displayByWorkOrders() const override;
-    void setDisplayByWorkOrders(bool first) override;
-    [[nodiscard]] int buItemCount() const override;
-    [[nodiscard]] QString buItemKey(int index) const override;
-    void setBUItemSelected(int index, bool selected) override;
+    [[nodiscard]] ViewChoice &viewChoice() override;
 
     [[nodiscard]] bool hierarchyGridsFilled() const override;
     [[nodiscard]] StringSet collapsedList(int gridIndex) override;

@@ -2,6 +2,8 @@
 
 #include "common/dlverror.h"
 
+#include <QStringList>
+
 ViewChoice::ViewChoice(QObject *parent) : QObject(parent) {}
 
 ViewChoice::~ViewChoice() = default;
@@ -43,6 +45,16 @@ void ViewChoice::setAllChosen(std::vector<char> chosen)
         return;
     m_chosen = std::move(chosen);
     Q_EMIT chosenChanged(-1);
+}
+
+QStringList ViewChoice::chosenIds() const
+{
+    QStringList ids;
+    for (std::size_t i = 0; i < m_keys.size(); ++i) {
+        if (m_chosen[i])
+            ids.append(m_keys[i].mid(1));
+    }
+    return ids;
 }
 
 void ViewChoice::setSingleUnits(bool single)

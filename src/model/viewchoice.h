@@ -34,6 +34,8 @@ public:
     void setChosen(int index, bool chosen);
     /// Takes the choice of every unit at once (a selection made in the list); tells once.
     void setAllChosen(std::vector<char> chosen);
+    /// The chosen unit ids (keys less their first character), in list order.
+    [[nodiscard]] QStringList chosenIds() const;
 
     // --- the two options
     /// optBU(0): the chosen units by themselves (false: with everything below them).

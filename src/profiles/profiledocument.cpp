@@ -5,6 +5,7 @@
 #include "common/dlvparams.h"
 #include "common/ordereddict.h"
 #include "model/errortrap.h"
+#include "model/viewchoice.h"
 #include "profiles/profilehost.h"
 #include "webdata/qzwebprofile.h"
 #include "webdata/qzwebtable.h"
@@ -75,9 +76,10 @@ void ProfileDocument::clear()
 
 void ProfileDocument::writeSelection(QZWebTable &select)
 {
-    select.setField(1, kBUList, m_host.selectedBUIds().join(u'|'));
-    select.setField(1, kSummaryOption, Conv::boolText(m_host.summaryOption()));
-    select.setField(1, kDisplayByWorkOrders, Conv::boolText(m_host.displayByWorkOrders()));
+    const ViewChoice &choice = m_host.viewChoice();
+    select.setField(1, kBUList, choice.chosenIds().join(u'|'));
+    select.setField(1, kSummaryOption, Conv::boolText(choice.singleUnits()));
+    select.setField(1, kDisplayByWorkOrders, Conv::boolText(choice.byWorkOrders()));
 }
 
 void ProfileDocument::writeCollapsedNodes(QZWebTable &nodes)
@@ -147,14 +149,15 @@ void ProfileDocument::LoadProfileSettings()
         // Settings applied before the host sent a profile (a host that sends data too early)
         // give the default view, like a profile without the row.
         const QZWebTable *select = m_current ? m_current->section(selectSection) : nullptr;
-        const int items = m_host.buItemCount();
+        ViewChoice &choice = m_host.viewChoice();
+        const int items = choice.unitCount();
         if (!select || select->rowCount() < 1) {
-            m_host.setSummaryOption(true);
-            m_host.setDisplayByWorkOrders(true);
+            choice.setSingleUnits(true);
+            choice.setByWorkOrders(true);
             if (items >= 1) {
-                for (int i = 0; i < items; ++i)
-                    m_host.setBUItemSelected(i, false);
-                m_host.setBUItemSelected(0, true);
+                std::vector<char> first(std::size_t(items), 0);
+                first[0] = 1;
+                choice.setAllChosen(std::move(first));
             }
             return;
         }
@@ -162,13 +165,13 @@ void ProfileDocument::LoadProfileSettings()
         const QString summary = select->field(1, kSummaryOption);
         if (!summary.isEmpty()) {
             m_summarySetting = Conv::textToBool(summary);
-            m_host.setSummaryOption(m_summarySetting);
+            choice.setSingleUnits(m_summarySetting);
         } else {
-            m_host.setSummaryOption(true);
+            choice.setSingleUnits(true);
         }
 
         const QString display = select->field(1, kDisplayByWorkOrders);
-        m_host.setDisplayByWorkOrders(display.isEmpty() ? true : Conv::textToBool(display));
+        choice.setByWorkOrders(display.isEmpty() ? true : Conv::textToBool(display));
 
         // Read the whole list first: a repeated id is reported before the selection changes.
         StringSet ids;
@@ -177,17 +180,18 @@ void ProfileDocument::LoadProfileSettings()
             for (const QString &id : buList.split(u'|'))
                 ids.add(id, id);
         }
+        std::vector<char> chosen(std::size_t(items), 0);
         bool anySelected = false;
         for (int i = 0; i < items; ++i) {
-            m_host.setBUItemSelected(i, false);
             // Keys carry a one-character prefix before the unit id.
-            if (ids.contains(QStringView(m_host.buItemKey(i)).mid(1))) {
-                m_host.setBUItemSelected(i, true);
+            if (ids.contains(QStringView(choice.unitKey(i)).mid(1))) {
+                chosen[std::size_t(i)] = 1;
                 anySelected = true;
             }
         }
         if (!anySelected && items >= 1)
-            m_host.setBUItemSelected(0, true);
+            chosen[0] = 1;
+        choice.setAllChosen(std::move(chosen));
 
         // The summary grid's own list ("JobTypes") is restored by the summary fill itself.
         if (m_host.hierarchyGridsFilled()) {

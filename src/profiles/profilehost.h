@@ -10,9 +10,10 @@ class DialogHost;
 class DLVParams;
 class ErrorReporter;
 class QWidget;
+class ViewChoice;
 
 /// What the profile subsystem needs from the control that embeds it: the host's request signals,
-/// the view settings a profile stores (unit selection, the two options, collapsed grid nodes),
+/// the view choice a profile stores (unit selection, the two options), the collapsed grid nodes,
 /// the current-profile labels, and the control's dialogs, captions and error report.
 ///
 /// The control implements it; tests implement it with a scripted host. Every call is synchronous.
@@ -46,20 +47,9 @@ public:
     virtual void ClientReady() = 0;
 
     // --- view settings kept in a profile
-    /// The selected business-unit ids in the data controller's order (its GetBUList).
-    [[nodiscard]] virtual QStringList selectedBUIds() const = 0;
-    /// optBU(0) checked: the chosen units themselves (summary option).
-    [[nodiscard]] virtual bool summaryOption() const = 0;
-    /// Checks optBU(0) when true, optBU(1) when false.
-    virtual void setSummaryOption(bool first) = 0;
-    /// optDisplay(0) checked: display by work orders.
-    [[nodiscard]] virtual bool displayByWorkOrders() const = 0;
-    /// Checks optDisplay(0) when true, optDisplay(1) when false.
-    virtual void setDisplayByWorkOrders(bool first) = 0;
-    /// The items of the unit list lvBU: count, key ("_" + unit id) and selection, by 0-based index.
-    [[nodiscard]] virtual int buItemCount() const = 0;
-    [[nodiscard]] virtual QString buItemKey(int index) const = 0;
-    virtual void setBUItemSelected(int index, bool selected) = 0;
+    /// The user's choice (units of the unit list, summary and display options), which a profile
+    /// stores and restores; the control's widgets follow what is set there.
+    [[nodiscard]] virtual ViewChoice &viewChoice() = 0;
 
     // --- collapsed grid nodes (grid 0 summary, 1 work-order hierarchy, 2 points hierarchy)
     /// Whether the hierarchy grids have been filled at least once.

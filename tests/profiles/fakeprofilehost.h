@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/dlvparams.h"
+#include "model/viewchoice.h"
 #include "profiles/profileexchange.h"
 #include "profiles/profilehost.h"
 #include "support/qtprinters.h"
@@ -96,8 +97,7 @@ public:
     RecordingDialogHost dialogHost;
     CaptionCatalogue captionCatalogue;
 
-    bool summary = true;
-    std::vector<std::pair<QString, bool>> items; ///< unit key, selected
+    ViewChoice choice; ///< the units (key "_" + id) and the two options
     std::array<QStringList, 3> collapsed;
     QStringList gridLog; ///< "expand 1", "collapse 2 10|11"
 
@@ -119,9 +119,9 @@ public:
     [[nodiscard]] QStringList selectedKeys() const
     {
         QStringList out;
-        for (const auto &[key, selected] : items)
-            if (selected)
-                out.append(key);
+        for (int i = 0; i < choice.unitCount(); ++i)
+            if (choice.isChosen(i))
+                out.append(choice.unitKey(i));
         return out;
     }
 
@@ -138,17 +138,7 @@ public:
     }
     void setHourglass(bool busy) override { hourglass = busy; }
     void ClientReady() override { ++clientReady; }
-    QStringList selectedBUIds() const override { return {}; }
-    bool summaryOption() const override { return summary; }
-    void setSummaryOption(bool first) override { summary = first; }
-    bool displayByWorkOrders() const override { return true; }
-    void setDisplayByWorkOrders(bool) override {}
-    int buItemCount() const override { return int(items.size()); }
-    QString buItemKey(int index) const override { return items.at(std::size_t(index)).first; }
-    void setBUItemSelected(int index, bool selected) override
-    {
-        items.at(std::size_t(index)).second = selected;
-    }
+    ViewChoice &viewChoice() override { return choice; }
     bool hierarchyGridsFilled() const override { return true; }
     StringSet collapsedList(int gridIndex) override
     {

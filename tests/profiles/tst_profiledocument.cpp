@@ -45,9 +45,9 @@ TEST_F(Document, SummaryOptionIsReadInAnyLetterCase)
     for (const auto &[summary, first] : rows) {
         SCOPED_TRACE(summary);
         current({}, QString::fromUtf8(summary));
-        host.summary = !first;
+        host.choice.setSingleUnits(!first);
         doc().LoadProfileSettings();
-        EXPECT_EQ(host.summary, first);
+        EXPECT_EQ(host.choice.singleUnits(), first);
     }
     EXPECT_TRUE(host.reporter.reports.empty());
 }
@@ -60,7 +60,7 @@ TEST_F(Document, SelectionFollowsBUList)
     for (const auto &[buList, expected] : rows) {
         SCOPED_TRACE(buList);
         current(QString::fromUtf8(buList), {});
-        host.items = {{"_10", false}, {"_12", true}, {"_40", false}};
+        host.choice.setUnits({"_10", "_12", "_40"}, {0, 1, 0});
         doc().LoadProfileSettings();
         EXPECT_EQ(host.selectedKeys(), expected);
     }
