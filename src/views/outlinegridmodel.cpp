@@ -280,7 +280,7 @@ void OutlineGridModel::gridStructureChanged()
 
 void OutlineGridModel::gridCellsChanged(int row1, int col1, int row2, int col2)
 {
-    if (m_inReset)
+    if (restructuring())
         return;
     const int fixed = m_grid->fixedRows();
     if (row1 < fixed)
@@ -305,13 +305,13 @@ void OutlineGridModel::gridCellsChanged(int row1, int col1, int row2, int col2)
 
 void OutlineGridModel::gridCollapseStateChanged(int row)
 {
-    if (!m_inReset && validRow(row))
+    if (!restructuring() && validRow(row))
         Q_EMIT collapseStateChanged(indexForRow(row, 0), m_grid->isCollapsed(row));
 }
 
 void OutlineGridModel::gridLayoutSettingsChanged()
 {
-    if (m_inReset)
+    if (restructuring())
         return;
     Q_EMIT gridLayoutChanged();
     if (m_grid->colCount() > 0)
@@ -320,24 +320,67 @@ void OutlineGridModel::gridLayoutSettingsChanged()
 
 void OutlineGridModel::gridCurrentCellChanged(int row, int col)
 {
-    if (!m_inReset)
+    if (!restructuring())
         Q_EMIT currentCellChanged(row, col);
+}
+
+void OutlineGridModel::beginLayoutChange()
+{
+    if (m_inReset || m_inLayoutChange)
+        return;
+    m_inLayoutChange = true;
+    Q_EMIT layoutAboutToBeChanged();
+    // Keys first, while the grid still holds the rows the indexes point at.
+    m_movingIndexes = persistentIndexList();
+    m_movingKeys.clear();
+    m_movingKeys.reserve(std::size_t(m_movingIndexes.size()));
+    for (const QModelIndex &index : std::as_const(m_movingIndexes)) {
+        const int row = gridRow(index);
+        m_movingKeys.emplace_back(validRow(row) ? m_grid->rowData(row) : QString(), index.column());
+    }
+}
+
+void OutlineGridModel::endLayoutChange()
+{
+    if (!m_inLayoutChange)
+        return;
+    m_inLayoutChange = false;
+    QModelIndexList moved;
+    moved.reserve(m_movingIndexes.size());
+    for (const auto &[key, col] : m_movingKeys) {
+        // findRow() goes through the grid's row-data index: linear in the persistent indexes.
+        const int row = m_grid && !key.isEmpty() ? m_grid->findRow(key) : -1;
+        moved.append(row >= 0 ? indexForRow(row, col) : QModelIndex());
+    }
+    changePersistentIndexList(m_movingIndexes, moved);
+    m_movingIndexes.clear();
+    m_movingKeys.clear();
+    Q_EMIT layoutChanged();
 }
 
 void OutlineGridModel::gridRedrawSuspended()
 {
-    beginReset();
+    beginLayoutChange();
 }
 
 void OutlineGridModel::gridRedrawResumed()
 {
-    beginReset();
-    endReset();
+    if (m_inLayoutChange) {
+        endLayoutChange();
+    } else {
+        // Attached in the middle of a fill: show the grid as it is now.
+        beginReset();
+        endReset();
+    }
     Q_EMIT gridLayoutChanged();
 }
 
 void OutlineGridModel::gridDestroyed()
 {
+    if (m_inLayoutChange) {
+        m_grid = nullptr;
+        endLayoutChange(); // every index becomes invalid
+    }
     beginReset();
     m_grid = nullptr;
     endReset();

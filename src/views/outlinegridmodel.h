@@ -12,9 +12,13 @@ class CellDecorator;
 /// id is its grid row. The fixed rows become header data: the caption row (the last fixed row) as
 /// the usual display/background/font roles, the band row above it through the Band* roles.
 ///
-/// The grid stays the single source of truth. Cell changes become dataChanged(); structural
-/// changes become one model reset each, and while the grid's redraw is suspended the model sits
-/// inside one reset that ends when redraw resumes, so a fill of any size costs one reset.
+/// The grid stays the single source of truth. Cell changes become dataChanged(); a structural
+/// change made alone becomes one model reset. A fill (everything between suspending and resuming
+/// the grid's redraw) becomes one layout change keyed by row data: every persistent index (a
+/// view's current cell, its expanded nodes, its scroll anchor, a host's own) follows its row to
+/// wherever the row with the same row data stands after the fill, or becomes invalid when no such
+/// row remains. So rows that stay keep their identity across refreshes, and a fill of any size
+/// costs one notice.
 /// The grid must outlive the model or tell it that it is gone (it does so from its destructor).
 class OutlineGridModel final : public QAbstractItemModel, private OutlineGrid::Observer
 {
@@ -89,8 +93,12 @@ private:
     void gridDestroyed() override;
 
     [[nodiscard]] bool validRow(int row) const;
+    /// Inside a reset or a fill's layout change the views must not hear of single changes.
+    [[nodiscard]] bool restructuring() const noexcept { return m_inReset || m_inLayoutChange; }
     void beginReset();
     void endReset();
+    void beginLayoutChange();
+    void endLayoutChange();
 
     OutlineGrid *m_grid = nullptr;
     const CellDecorator *m_decorator = nullptr;
@@ -98,4 +106,8 @@ private:
     double m_twipsPerPixelX = 15.0;
     double m_twipsPerPixelY = 15.0;
     bool m_inReset = false;
+    bool m_inLayoutChange = false;
+    /// The row data and column of each persistent index when the fill began.
+    QModelIndexList m_movingIndexes;
+    std::vector<std::pair<QString, int>> m_movingKeys;
 };

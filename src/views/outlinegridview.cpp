@@ -69,6 +69,11 @@ void OutlineGridView::setGrid(OutlineGrid *grid)
     connect(m_model, &QAbstractItemModel::modelAboutToBeReset, this,
             &OutlineGridView::onModelAboutToBeReset);
     connect(m_model, &QAbstractItemModel::modelReset, this, &OutlineGridView::onModelReset);
+    // A fill is one layout change: the rows that stay keep their place on screen (scroll
+    // position, current cell, expansion), and the grid's own state is applied over it.
+    connect(m_model, &QAbstractItemModel::layoutAboutToBeChanged, this,
+            &OutlineGridView::onModelAboutToBeReset);
+    connect(m_model, &QAbstractItemModel::layoutChanged, this, &OutlineGridView::onModelReset);
     connect(m_model, &OutlineGridModel::collapseStateChanged, this,
             &OutlineGridView::onGridCollapseChanged);
     connect(m_model, &OutlineGridModel::currentCellChanged, this,

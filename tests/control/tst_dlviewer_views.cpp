@@ -1,9 +1,11 @@
 #include "controlfixture.h"
 #include "model/cdlvcontroller.h"
 #include "views/outlinegrid.h"
+#include "views/outlinegridmodel.h"
 
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <string>
@@ -268,4 +270,28 @@ TEST_F(DLViewerViews, TheWidgetsMirrorTheViewChoiceBothWays)
     send(regions()); // a refresh keeps the choice and shows it again
     EXPECT_TRUE(choice.isChosen(3));
     EXPECT_TRUE(list->topLevelItem(3)->isSelected());
+}
+
+// A refresh keeps the user's place: a hierarchy scrolled down stays scrolled to the same rows.
+TEST_F(DLViewerViews, ARefreshKeepsTheScrollPositionOfAGrid)
+{
+    DLVDataBuilder data;
+    data.unit("#", "All", "#").format("EN", "hh:mm");
+    QStringList ids;
+    for (int i = 0; i < 300; ++i) {
+        const QString id = QStringLiteral("U%1").arg(i, 3, 10, QChar(u'0'));
+        data.unit(id, id, "#").general(id, id, "1", "1", "1");
+        ids << id;
+    }
+    start(data, ids);
+    viewer->show();
+    OutlineGridView *view = showGrid(1);
+    QCoreApplication::processEvents();
+    view->verticalScrollBar()->setValue(100);
+    const QModelIndex top = view->indexAt(QPoint(1, 1));
+    send(data);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(view->verticalScrollBar()->value(), 100);
+    EXPECT_EQ(view->indexAt(QPoint(1, 1)).data(OutlineGridModel::RowDataRole),
+              top.data(OutlineGridModel::RowDataRole));
 }
