@@ -14,19 +14,24 @@ namespace {
 const QColor LineColor(160, 160, 160);
 
 /// Draws a caption, stepping the font down (to 70 %) when a word is wider than its column, so
-/// that narrow status columns still show whole words.
+/// that narrow status columns still show whole words. A one-line caption that is still too wide
+/// (large fonts on a narrow column) ends in an ellipsis rather than losing both its ends.
 void drawFittedText(QPainter *painter, const QRect &rect, int flags, const QString &text,
                     QFont font)
 {
     const qreal base = font.pointSizeF() > 0 ? font.pointSizeF() : 9.0;
-    for (qreal size = base; size >= base * 0.7; size -= 0.5) {
+    bool fits = false;
+    for (qreal size = base; size >= base * 0.7 && !fits; size -= 0.5) {
         font.setPointSizeF(size);
         const QRect need = QFontMetrics(font).boundingRect(rect, flags, text);
-        if (need.width() <= rect.width() && need.height() <= rect.height())
-            break;
+        fits = need.width() <= rect.width() && need.height() <= rect.height();
     }
     painter->setFont(font);
-    painter->drawText(rect, flags, text);
+    if (!fits && !text.contains(u'\n') && !text.contains(u' '))
+        painter->drawText(rect, flags,
+                          QFontMetrics(font).elidedText(text, Qt::ElideRight, rect.width()));
+    else
+        painter->drawText(rect, flags, text);
 }
 
 } // namespace
