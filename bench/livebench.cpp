@@ -4,6 +4,7 @@
 #include "control/dlviewer.h"
 #include "control/dlviewer_p.h"
 #include "model/cdlvcontroller.h"
+#include "viewerbench.h"
 #include "viewertestaccess.h"
 #include "views/drilldown.h"
 #include "views/outlinegridmodel.h"
@@ -98,15 +99,7 @@ LiveBench::Times LiveBench::run(const std::shared_ptr<QZWebMessage> &message,
     window.show();
     settle(viewer);
 
-    QStringList session;
-    const QZWebTable &units = message->data(1)->table(u"BusinessUnits");
-    const int idColumn = units.requireColumn(u"BUID");
-    session.reserve(units.rowCount());
-    for (int r = 1; r <= units.rowCount(); ++r) {
-        const QString id = units.value(r, idColumn).toString();
-        if (id != QStringLiteral("#")) // the root is no unit a session sees
-            session << id;
-    }
+    QStringList session = ViewerBench::sessionUnits(*message);
     viewer.SetSessionBUIDList(session);
 
     QVariant data = WebVariant::wrap(message);

@@ -45,15 +45,7 @@ ViewerBench::Times ViewerBench::run(const std::shared_ptr<QZWebMessage> &message
     QString language = QStringLiteral("EN");
     viewer.SetRegionalFormatInfo(language);
 
-    QStringList session;
-    const QZWebTable &units = message->data(1)->table(u"BusinessUnits");
-    const int idColumn = units.requireColumn(u"BUID");
-    session.reserve(units.rowCount());
-    for (int r = 1; r <= units.rowCount(); ++r) {
-        const QString id = units.value(r, idColumn).toString();
-        if (id != QStringLiteral("#")) // the root is no unit a session sees
-            session << id;
-    }
+    QStringList session = ViewerBench::sessionUnits(*message);
     viewer.SetSessionBUIDList(session);
 
     // First delivery fills the list; then everything is chosen, summed as aggregates.
@@ -83,4 +75,18 @@ ViewerBench::Times ViewerBench::run(const std::shared_ptr<QZWebMessage> &message
     times.selected = int(d.lvBU->selectionModel()->selectedRows().size());
     times.summaryRows = d.grids[0].rowCount();
     return times;
+}
+
+QStringList ViewerBench::sessionUnits(const QZWebMessage &message)
+{
+    QStringList session;
+    const QZWebTable &units = message.data(1)->table(u"BusinessUnits");
+    const int idColumn = units.requireColumn(u"BUID");
+    session.reserve(units.rowCount());
+    for (int r = 1; r <= units.rowCount(); ++r) {
+        const QString id = units.value(r, idColumn).toString();
+        if (id != QStringLiteral("#")) // the root is no unit a session sees
+            session << id;
+    }
+    return session;
 }

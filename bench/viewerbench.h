@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QStringList>
 #include <memory>
 
 class QZWebMessage;
@@ -26,4 +27,7 @@ public:
     /// Loads message once to fill the list and select everything, then times the stages on a
     /// second delivery of the same message. Each stage is timed `runs` times; the best counts.
     [[nodiscard]] static Times run(const std::shared_ptr<QZWebMessage> &message, int runs);
+
+    /// Every unit of the message's "BusinessUnits" but the root: the session of a bench control.
+    [[nodiscard]] static QStringList sessionUnits(const QZWebMessage &message);
 };

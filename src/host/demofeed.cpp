@@ -57,14 +57,7 @@ const std::array<Region, 4> kRegions = {{
        {u"SEA", u"Seattle", {u"Bellevue", u"Tacoma", u"Everett", u"Redmond"}}}}},
 }};
 
-// Per job type: share of planned work, minutes of work on site, points.
-struct JobTypeProfile
-{
-    int planWeight;
-    int workMinutes;
-    int points;
-};
-const std::array<JobTypeProfile, 10> kJobTypeProfiles = {{
+const std::array<DemoFeed::JobTypeWork, 10> kJobTypeProfiles = {{
     {15, 90, 5}, // INST
     {20, 60, 3}, // REP
     {15, 45, 2}, // MAINT
@@ -124,6 +117,11 @@ DemoFeed::DemoFeed(quint32 seed, int refreshSeconds)
 }
 
 DemoFeed::~DemoFeed() = default;
+
+const std::array<DemoFeed::JobTypeWork, 10> &DemoFeed::jobTypeWork()
+{
+    return kJobTypeProfiles;
+}
 
 const std::vector<DemoFeed::Code> &DemoFeed::jobTypes()
 {
@@ -215,7 +213,7 @@ int DemoFeed::weighted(const std::vector<int> &weights)
 
 void DemoFeed::addOrder(int crew, int technician, int jobType, int due)
 {
-    const JobTypeProfile &profile = kJobTypeProfiles[std::size_t(jobType)];
+    const JobTypeWork &profile = kJobTypeProfiles[std::size_t(jobType)];
     Order order;
     order.id = QStringLiteral("WO%1").arg(m_nextOrderNumber++);
     order.crew = crew;
@@ -244,7 +242,7 @@ void DemoFeed::startDay()
     m_clock = kDayStart;
     m_orders.clear();
     std::vector<int> planWeights;
-    for (const JobTypeProfile &p : kJobTypeProfiles)
+    for (const JobTypeWork &p : kJobTypeProfiles)
         planWeights.push_back(p.planWeight);
 
     for (std::size_t i = 0; i < m_technicians.size(); ++i) {

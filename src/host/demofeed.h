@@ -62,6 +62,15 @@ public:
 
     [[nodiscard]] const std::vector<Unit> &units() const { return m_units; }
     [[nodiscard]] static const std::vector<Code> &jobTypes();
+    /// The work of a job type: share of the planned work, minutes on site, points.
+    struct JobTypeWork
+    {
+        int planWeight;
+        int workMinutes;
+        int points;
+    };
+    /// Per job type of jobTypes(), in the same order.
+    [[nodiscard]] static const std::array<JobTypeWork, 10> &jobTypeWork();
     [[nodiscard]] static const std::vector<Code> &jobClasses();
     [[nodiscard]] static QString rootDescription();
 

@@ -39,25 +39,9 @@ const std::array<DayRegion, 3> kDayRegions = {{
 
 const std::array<const char16_t *, 3> kCrewNames = {u"North", u"Central", u"South"};
 
-// Per job type of DemoFeed::jobTypes(): share of planned work, minutes on site, points.
-struct DayJobType
-{
-    int planWeight;
-    int workMinutes;
-    int points;
-};
-const std::array<DayJobType, 10> kDayJobTypes = {{
-    {15, 90, 5}, // INST
-    {20, 60, 3}, // REP
-    {15, 45, 2}, // MAINT
-    {10, 30, 1}, // INSP
-    {5, 20, 1},  // DISC
-    {5, 20, 1},  // RECON
-    {8, 75, 4},  // UPG
-    {10, 40, 2}, // METER
-    {5, 40, 2},  // SURV
-    {0, 60, 3},  // EMRG: only as urgent calls
-}};
+// The demo organisation's job types and their work; emergency call-outs (the last type) are
+// never planned here, they come in only as urgent calls.
+const std::array<DemoFeed::JobTypeWork, 10> &kDayJobTypes = DemoFeed::jobTypeWork();
 constexpr int kDayRepair = 1;
 constexpr int kDayEmergency = 9;
 const std::vector<int> kDayClassWeights = {50, 20, 10, 8, 7, 5};
@@ -204,7 +188,7 @@ void WorkOrderGenerator::buildRoster()
 
 void WorkOrderGenerator::addOrder(int crew, int technician, int jobType, int created, int due)
 {
-    const DayJobType &profile = kDayJobTypes[std::size_t(jobType)];
+    const DemoFeed::JobTypeWork &profile = kDayJobTypes[std::size_t(jobType)];
     WorkOrder o;
     o.id = QStringLiteral("WO%1").arg(m_nextOrder++);
     o.buid = m_units[std::size_t(m_crews[std::size_t(crew)])].id;
@@ -233,8 +217,9 @@ void WorkOrderGenerator::addOrder(int crew, int technician, int jobType, int cre
 void WorkOrderGenerator::planDay()
 {
     std::vector<int> planWeights;
-    for (const DayJobType &p : kDayJobTypes)
+    for (const DemoFeed::JobTypeWork &p : kDayJobTypes)
         planWeights.push_back(p.planWeight);
+    planWeights.back() = 0; // emergency call-outs only come in as urgent calls
 
     for (std::size_t c = 0; c < m_crews.size(); ++c) {
         // The plan made the evening before: orders spread over each shift.
