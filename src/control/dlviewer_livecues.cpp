@@ -4,8 +4,8 @@
 #include "control/dlviewer_p.h"
 #include "control/livecues.h"
 
+#include <QHash>
 #include <QLabel>
-#include <algorithm>
 
 void DLViewerPrivate::createLiveCues()
 {
@@ -31,13 +31,20 @@ QString DLViewerPrivate::selectionContext() const
 {
     // The chosen units (in any order: the list follows the tree) and the mode, not the units
     // they sum up to: a unit that moves in the tree changes an aggregate's figures as truly as
-    // new data do.
-    std::vector<QString> ids = currentSelection.keys();
-    std::sort(ids.begin(), ids.end());
-    QString context = lastFillSingleMode ? QStringLiteral("single:") : QStringLiteral("aggregate:");
-    for (const QString &id : ids)
-        context += id + u'|';
-    return context;
+    // new data do. Every refresh asks, so the units go in as an order-free fingerprint (two
+    // differently seeded hash sums and the count) rather than as a sorted list of thousands of
+    // ids; two choices that collide would only cue one refresh that should not have been.
+    quint64 sum = 0;
+    quint64 mixed = 0;
+    for (const auto &entry : currentSelection) {
+        sum += quint64(qHash(entry.key, 0x5bd1e995u));
+        mixed += quint64(qHash(entry.key, 0x27d4eb2fu)) * 0x9E3779B97F4A7C15ull;
+    }
+    return QStringLiteral("%1:%2:%3:%4")
+        .arg(lastFillSingleMode ? QStringLiteral("single") : QStringLiteral("aggregate"))
+        .arg(currentSelection.count())
+        .arg(sum, 16, 16, QChar(u'0'))
+        .arg(mixed, 16, 16, QChar(u'0'));
 }
 
 void DLViewer::SetFreshnessShown(bool on)

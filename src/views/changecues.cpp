@@ -120,8 +120,11 @@ int ChangeCues::capture(const OutlineGrid &grid, const QString &context, bool af
     for (int row = first; row < grid.rowCount(); ++row) {
         const QString key = rowKey(grid, row);
         const qsizetype offset = addRow(key);
-        for (int col = 0; col < cols; ++col)
-            m_next.values.push_back(cueValue(grid.text(row, col)));
+        for (int col = 0; col < cols; ++col) {
+            // Figures written as numbers are read as such: no text to fetch and parse.
+            const double number = grid.number(row, col);
+            m_next.values.push_back(number == number ? number : cueValue(grid.text(row, col)));
+        }
         compareRow(key, offset, cols);
     }
     return end();

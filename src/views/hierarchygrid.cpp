@@ -59,11 +59,11 @@ QString productivityText(qint32 completed, qint32 hoursWorked)
 void writeFigures(OutlineGrid &grid, int row, const RowFigures &f,
                   const std::array<qint32, StatusCount> &counts)
 {
-    grid.setText(row, 1, QString::number(f.techCount));
-    grid.setText(row, 2, QString::number(f.hoursRemaining));
-    grid.setText(row, 3, QString::number(f.hoursWorked));
+    grid.setNumber(row, 1, f.techCount);
+    grid.setNumber(row, 2, f.hoursRemaining);
+    grid.setNumber(row, 3, f.hoursWorked);
     for (int s = 0; s < StatusCount; ++s)
-        grid.setText(row, 4 + s, QString::number(counts[std::size_t(s)]));
+        grid.setNumber(row, 4 + s, counts[std::size_t(s)]);
     grid.setText(row, HierarchyLastCol, productivityText(counts[4], f.hoursWorked));
 }
 

@@ -377,16 +377,34 @@ const QString &OutlineGrid::text(int row, int col) const
 
 void OutlineGrid::setText(int row, int col, const QString &text)
 {
-    cell(row, col).text = text;
+    Cell &c = cell(row, col);
+    c.text = text;
+    c.number = std::numeric_limits<double>::quiet_NaN();
     notifyCells(row, col, row, col);
+}
+
+void OutlineGrid::setNumber(int row, int col, qint64 value)
+{
+    Cell &c = cell(row, col);
+    c.text = QString::number(value);
+    c.number = double(value);
+    notifyCells(row, col, row, col);
+}
+
+double OutlineGrid::number(int row, int col) const
+{
+    return cell(row, col).number;
 }
 
 void OutlineGrid::setText(int row1, int col1, int row2, int col2, const QString &text)
 {
     checkRange(row1, col1, row2, col2);
     for (int r = std::min(row1, row2); r <= std::max(row1, row2); ++r) {
-        for (int c = std::min(col1, col2); c <= std::max(col1, col2); ++c)
-            m_rows[size_t(r)].cells[size_t(c)].text = text;
+        for (int c = std::min(col1, col2); c <= std::max(col1, col2); ++c) {
+            Cell &target = m_rows[size_t(r)].cells[size_t(c)];
+            target.text = text;
+            target.number = std::numeric_limits<double>::quiet_NaN();
+        }
     }
     notifyCells(row1, col1, row2, col2);
 }

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QtGlobal>
 #include <functional>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -119,6 +120,11 @@ public:
     // Cells ------------------------------------------------------------------------------------
     [[nodiscard]] const QString &text(int row, int col) const;
     void setText(int row, int col, const QString &text);
+    /// Writes a whole number as the cell's text (its decimal digits) and keeps the number, so
+    /// that readers of figures (change cues) need not parse the text back.
+    void setNumber(int row, int col, qint64 value);
+    /// The number setNumber() wrote into the cell, NaN when its text was written otherwise.
+    [[nodiscard]] double number(int row, int col) const;
     void setText(int row1, int col1, int row2, int col2, const QString &text);
     /// Invalid QColor when no back colour was set (the view's default shows).
     [[nodiscard]] QColor backColor(int row, int col) const;
@@ -241,6 +247,8 @@ private:
     struct Cell
     {
         QString text;
+        /// The whole number the text was written from (setNumber), NaN for any other text.
+        double number = std::numeric_limits<double>::quiet_NaN();
         QRgb back = 0; ///< alpha 0: no colour set
         bool bold = false;
     };

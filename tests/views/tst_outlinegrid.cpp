@@ -392,3 +392,38 @@ TEST(OutlineGrid, ColumnWidthsAtOnceSendOneLayoutNotice)
     }
     g.removeObserver(&counter);
 }
+
+// A number written with setNumber() stays with its cell's text wherever the row goes, and any
+// other write of the text drops it, so a reader of numbers never sees a stale one.
+TEST(OutlineGrid, NumbersWrittenAsSuchTravelWithTheirTextAndGoWithAnyOtherWrite)
+{
+    const auto isNumber = [](double v) { return v == v; };
+    const struct
+    {
+        const char *name;
+        std::function<void(OutlineGrid &)> change;
+        bool kept;
+    } cases[] = {
+        {"sort moves the row", [](OutlineGrid &g) { g.sortRows(2, 3, 0); }, true},
+        {"text written", [](OutlineGrid &g) { g.setText(g.findRow("B"), 1, "-7"); }, false},
+        {"range written", [](OutlineGrid &g) { g.setText(2, 1, 3, 1, "-7"); }, false},
+        {"cleared", [](OutlineGrid &g) { g.clear(); }, false},
+    };
+    for (const auto &c : cases) {
+        OutlineGrid g;
+        fill(g, 2, {{"b", "0"}, {"a", "0"}});
+        g.setRowData(2, QStringLiteral("B"));
+        g.setRowData(3, QStringLiteral("A"));
+        g.setNumber(2, 1, -2147483648LL);
+        EXPECT_EQ(g.text(2, 1), QStringLiteral("-2147483648")) << c.name;
+        EXPECT_EQ(g.number(2, 1), -2147483648.0) << c.name;
+        EXPECT_FALSE(isNumber(g.number(3, 1))) << c.name << ": text-written cells have none";
+        c.change(g);
+        const int row = g.findRow(QStringLiteral("B"));
+        EXPECT_EQ(isNumber(g.number(row, 1)), c.kept) << c.name;
+        if (c.kept) {
+            EXPECT_NE(row, 2) << c.name;
+            EXPECT_EQ(g.text(row, 1), QStringLiteral("-2147483648")) << c.name;
+        }
+    }
+}
