@@ -3,6 +3,7 @@
 #include "common/conversions.h"
 #include "common/dlverror.h"
 #include "model/businessunits.h"
+#include "model/counter.h"
 #include "model/detailcolumns.h"
 #include "model/errortrap.h"
 #include "model/generalcolumns.h"
@@ -85,10 +86,11 @@ void BusinessUnit::calcTotal()
         for (int p = 0; p < n; ++p)
             totals.At(p).SetJobDetails(accumulator[std::size_t(p)][std::size_t(s)], s);
 
-    m_wosPerHour = Conv::rate(m_grandTotals[4], m_hoursWorked);
-    m_wosPerHrReq = Conv::rate(m_grandTotals[0], m_hoursRemaining);
-    m_ptsPerHour = Conv::rate(m_grandTotals[11], m_hoursWorked);
-    m_ptsPerHrReq = Conv::rate(m_grandTotals[7], m_hoursRemaining);
+    using namespace Counter;
+    m_wosPerHour = Conv::rate(m_grandTotals[workOrders(Completed)], m_hoursWorked);
+    m_wosPerHrReq = Conv::rate(m_grandTotals[workOrders(Open)], m_hoursRemaining);
+    m_ptsPerHour = Conv::rate(m_grandTotals[points(Completed)], m_hoursWorked);
+    m_ptsPerHrReq = Conv::rate(m_grandTotals[points(Open)], m_hoursRemaining);
 }
 
 void BusinessUnit::Terminate()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/ordereddict.h"
+#include "model/counter.h"
 
 #include <QString>
 #include <QStringView>
@@ -17,7 +18,7 @@ class QZWebTable;
 class DetailColumns
 {
 public:
-    static constexpr int CounterCount = 14;
+    static constexpr int CounterCount = Counter::Count;
     /// The counter columns by counter index.
     static const std::array<QStringView, CounterCount> CounterColumns;
 

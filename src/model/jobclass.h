@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/counter.h"
+
 #include <QString>
 #include <array>
 
@@ -12,7 +14,7 @@ class QZWebRow;
 class JobClass
 {
 public:
-    static constexpr int CounterCount = 14;
+    static constexpr int CounterCount = Counter::Count;
 
     JobClass() = default;
 

@@ -6,6 +6,7 @@
 #include "model/businessunit.h"
 #include "model/businessunits.h"
 #include "model/cdlvcontroller.h"
+#include "model/counter.h"
 #include "views/summarygrid.h"
 
 #include <QStringList>
@@ -18,7 +19,7 @@ const QString HierarchyGrid::RootKey = QStringLiteral("#");
 namespace {
 
 constexpr int HierarchyLastCol = HierarchyGrid::ColumnCount - 1;
-constexpr int StatusCount = 7;
+constexpr int StatusCount = Counter::StatusCount;
 
 /// Figures of one row: technicians, hours remaining, hours worked, the seven work-order and the
 /// seven point counts.
@@ -64,7 +65,8 @@ void writeFigures(OutlineGrid &grid, int row, const RowFigures &f,
     grid.setNumber(row, 3, f.hoursWorked);
     for (int s = 0; s < StatusCount; ++s)
         grid.setNumber(row, 4 + s, counts[std::size_t(s)]);
-    grid.setText(row, HierarchyLastCol, productivityText(counts[4], f.hoursWorked));
+    grid.setText(row, HierarchyLastCol,
+                 productivityText(counts[Counter::Completed], f.hoursWorked));
 }
 
 /// Disjoint sets over the units, each set being one subtree of the forest the moves have built so
