@@ -4,6 +4,7 @@
 #include "control/dlviewer.h"
 #include "control/dlviewer_p.h"
 #include "model/cdlvcontroller.h"
+#include "stage.h"
 #include "viewerbench.h"
 #include "viewertestaccess.h"
 #include "views/drilldown.h"
@@ -60,18 +61,6 @@ void settle(QWidget &)
     QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest);
 }
 
-template <typename Body> double bestLiveOf(int runs, Body &&body)
-{
-    double best = 1e300;
-    for (int i = 0; i < std::max(runs, 1); ++i) {
-        QElapsedTimer timer;
-        timer.start();
-        body();
-        best = std::min(best, double(timer.nsecsElapsed()) / 1e6);
-    }
-    return best;
-}
-
 } // namespace
 
 double LiveBench::Times::slowestInteraction() const
@@ -109,7 +98,7 @@ LiveBench::Times LiveBench::run(const std::shared_ptr<QZWebMessage> &message,
     d.cmdView_Click();
     settle(viewer);
 
-    times.refresh = bestLiveOf(runs, [&] {
+    times.refresh = Stage::bestOf(runs, [&] {
         viewer.ReceiveMessage(data, QVariant(0), QVariant());
         settle(viewer);
     });
@@ -121,11 +110,11 @@ LiveBench::Times LiveBench::run(const std::shared_ptr<QZWebMessage> &message,
         double a = 1e300;
         double b = 1e300;
         for (int i = 0; i < std::max(runs, 1); ++i) {
-            a = std::min(a, bestLiveOf(1, [&] {
+            a = std::min(a, Stage::bestOf(1, [&] {
                              there();
                              settle(viewer);
                          }));
-            b = std::min(b, bestLiveOf(1, [&] {
+            b = std::min(b, Stage::bestOf(1, [&] {
                              back();
                              settle(viewer);
                          }));
@@ -138,20 +127,20 @@ LiveBench::Times LiveBench::run(const std::shared_ptr<QZWebMessage> &message,
     double toPoints = 1e300;
     double toWorkOrders = 1e300;
     for (int i = 0; i < std::max(runs, 1); ++i) {
-        toHierarchy = std::min(toHierarchy, bestLiveOf(1, [&] {
+        toHierarchy = std::min(toHierarchy, Stage::bestOf(1, [&] {
                                    d.Tabs->setCurrentIndex(1);
                                    settle(viewer);
                                }));
-        toPoints = std::min(toPoints, bestLiveOf(1, [&] {
+        toPoints = std::min(toPoints, Stage::bestOf(1, [&] {
                                 d.optDisplay[1]->setChecked(true);
                                 settle(viewer);
                             }));
-        toWorkOrders = std::min(toWorkOrders, bestLiveOf(1, [&] {
+        toWorkOrders = std::min(toWorkOrders, Stage::bestOf(1, [&] {
                                     d.optDisplay[0]->setChecked(true);
                                     settle(viewer);
                                 }));
         if (i + 1 < std::max(runs, 1))
-            toSummary = std::min(toSummary, bestLiveOf(1, [&] {
+            toSummary = std::min(toSummary, Stage::bestOf(1, [&] {
                                      d.Tabs->setCurrentIndex(0);
                                      settle(viewer);
                                  }));
@@ -169,11 +158,11 @@ LiveBench::Times LiveBench::run(const std::shared_ptr<QZWebMessage> &message,
         double collapse = 1e300;
         double expand = 1e300;
         for (int i = 0; i < std::max(runs, 1); ++i) {
-            collapse = std::min(collapse, bestLiveOf(1, [&] {
+            collapse = std::min(collapse, Stage::bestOf(1, [&] {
                                     view->collapse(node);
                                     settle(viewer);
                                 }));
-            expand = std::min(expand, bestLiveOf(1, [&] {
+            expand = std::min(expand, Stage::bestOf(1, [&] {
                                   view->expand(node);
                                   settle(viewer);
                               }));
@@ -187,14 +176,14 @@ LiveBench::Times LiveBench::run(const std::shared_ptr<QZWebMessage> &message,
         int unitRow = top;
         while (unitRow + 1 < tree.rowCount() && tree.text(unitRow, 1).isEmpty())
             ++unitRow;
-        times.drillDown = bestLiveOf(runs, [&] {
+        times.drillDown = Stage::bestOf(runs, [&] {
             d.grids[1].setCurrentCell(unitRow, 4); // the press before the double-click
             d.lastMouseButton = DrillDown::LeftButton;
             d.vsFlex_DblClick(1, unitRow, 4);
             settle(viewer);
         });
     }
-    toSummary = std::min(toSummary, bestLiveOf(1, [&] {
+    toSummary = std::min(toSummary, Stage::bestOf(1, [&] {
                              d.Tabs->setCurrentIndex(0);
                              settle(viewer);
                          }));
@@ -205,7 +194,7 @@ LiveBench::Times LiveBench::run(const std::shared_ptr<QZWebMessage> &message,
     double viewButton = 1e300;
     for (int i = 0; i < 2 * std::max(runs, 1) && first; ++i) {
         first->setSelected(i % 2 != 0);
-        viewButton = std::min(viewButton, bestLiveOf(1, [&] {
+        viewButton = std::min(viewButton, Stage::bestOf(1, [&] {
                                   d.cmdView_Click();
                                   settle(viewer);
                               }));

@@ -2,6 +2,7 @@
 
 #include <QElapsedTimer>
 #include <QString>
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -21,6 +22,19 @@ public:
     void setElapsed(double ms) { m_ms = ms; }
     /// Stops the clock if running and prints the line.
     void print();
+
+    /// The fastest of `runs` runs of body (at least one), in milliseconds.
+    template <typename Body> [[nodiscard]] static double bestOf(int runs, Body &&body)
+    {
+        double best = 1e300;
+        for (int i = 0; i < std::max(runs, 1); ++i) {
+            QElapsedTimer timer;
+            timer.start();
+            body();
+            best = std::min(best, double(timer.nsecsElapsed()) / 1e6);
+        }
+        return best;
+    }
 
     /// Peak resident set size of this process in kB (VmHWM), or -1 when unknown.
     [[nodiscard]] static long peakRssKb();

@@ -4,6 +4,7 @@
 #include "control/dlviewer.h"
 #include "control/dlviewer_p.h"
 #include "model/cdlvcontroller.h"
+#include "stage.h"
 #include "viewertestaccess.h"
 #include "views/hierarchygrid.h"
 #include "webdata/qzwebdata.h"
@@ -17,22 +18,6 @@
 #include <QRadioButton>
 #include <QTreeWidget>
 #include <algorithm>
-
-namespace {
-
-template <typename Body> double bestOf(int runs, Body &&body)
-{
-    double best = 1e300;
-    for (int i = 0; i < std::max(runs, 1); ++i) {
-        QElapsedTimer timer;
-        timer.start();
-        body();
-        best = std::min(best, double(timer.nsecsElapsed()) / 1e6);
-    }
-    return best;
-}
-
-} // namespace
 
 ViewerBench::Times ViewerBench::run(const std::shared_ptr<QZWebMessage> &message, int runs)
 {
@@ -55,10 +40,11 @@ ViewerBench::Times ViewerBench::run(const std::shared_ptr<QZWebMessage> &message
     d.optBU[1]->setChecked(true);
     d.cmdView_Click();
 
-    times.refresh = bestOf(runs, [&] { viewer.ReceiveMessage(data, QVariant(0), QVariant()); });
+    times.refresh =
+        Stage::bestOf(runs, [&] { viewer.ReceiveMessage(data, QVariant(0), QVariant()); });
     BusinessUnits &model = d.mDLV->BUs();
     times.units = model.Count();
-    times.hierarchyFill = bestOf(runs, [&] {
+    times.hierarchyFill = Stage::bestOf(runs, [&] {
         OutlineGrid::RedrawSuspender suspendWorkOrders(d.grids[1]);
         OutlineGrid::RedrawSuspender suspendPoints(d.grids[2]);
         d.SaveCollapsedList(1, *d.collapsedLists[1]);
@@ -67,8 +53,8 @@ ViewerBench::Times ViewerBench::run(const std::shared_ptr<QZWebMessage> &message
         d.RestoreCollapsedList(1, *d.collapsedLists[1]);
         d.RestoreCollapsedList(2, *d.collapsedLists[2]);
     });
-    times.unitList = bestOf(runs, [&] { d.LoadBUListView(); });
-    times.summaryFill = bestOf(runs, [&] { d.ShowBUs(model); });
+    times.unitList = Stage::bestOf(runs, [&] { d.LoadBUListView(); });
+    times.summaryFill = Stage::bestOf(runs, [&] { d.ShowBUs(model); });
 
     times.hierarchyRows = d.grids[1].rowCount();
     times.listItems = d.lvBU->topLevelItemCount();

@@ -199,10 +199,15 @@ void DemoFeed::buildOrganisation()
 
 int DemoFeed::weighted(const std::vector<int> &weights)
 {
+    return weightedPick(m_random, weights);
+}
+
+int DemoFeed::weightedPick(QRandomGenerator &random, const std::vector<int> &weights)
+{
     int total = 0;
     for (int w : weights)
         total += w;
-    int pick = int(m_random.bounded(total));
+    int pick = int(random.bounded(total));
     for (std::size_t i = 0; i < weights.size(); ++i) {
         if (pick < weights[i])
             return int(i);

@@ -71,6 +71,9 @@ public:
     };
     /// Per job type of jobTypes(), in the same order.
     [[nodiscard]] static const std::array<JobTypeWork, 10> &jobTypeWork();
+    /// An index drawn from random with the chance of each index proportional to its weight.
+    [[nodiscard]] static int weightedPick(QRandomGenerator &random,
+                                          const std::vector<int> &weights);
     [[nodiscard]] static const std::vector<Code> &jobClasses();
     [[nodiscard]] static QString rootDescription();
 

@@ -111,16 +111,7 @@ QString WorkOrderGenerator::statusText(DetailRecords::Status status)
 
 int WorkOrderGenerator::weighted(const std::vector<int> &weights)
 {
-    int total = 0;
-    for (int w : weights)
-        total += w;
-    int pick = int(m_random.bounded(total));
-    for (std::size_t i = 0; i < weights.size(); ++i) {
-        if (pick < weights[i])
-            return int(i);
-        pick -= weights[i];
-    }
-    return int(weights.size()) - 1;
+    return DemoFeed::weightedPick(m_random, weights);
 }
 
 QString WorkOrderGenerator::timestamp(int minutes) const
