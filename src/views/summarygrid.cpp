@@ -151,6 +151,71 @@ private:
     QHash<QString, std::size_t> m_byText;
 };
 
+/// The class row of a (job type, job class) pair by the two codes' buffers. The loader keeps one
+/// shared string per distinct code, so nearly every class of every unit is found here with one
+/// probe of a flat table instead of two hash look-ups; equal buffers hold equal text, so a pair of
+/// buffers always stands for one row. Open addressing, linear probing, never shrinks.
+class BufferPairRows
+{
+public:
+    static constexpr std::size_t None = std::size_t(-1);
+
+    BufferPairRows() : m_slots(64) {}
+
+    [[nodiscard]] std::size_t find(const void *type, const void *jobClass) const
+    {
+        const std::size_t mask = m_slots.size() - 1;
+        for (std::size_t i = slotOf(type, jobClass) & mask;; i = (i + 1) & mask) {
+            const Slot &slot = m_slots[i];
+            if (slot.row == None)
+                return None;
+            if (slot.type == type && slot.jobClass == jobClass)
+                return slot.row;
+        }
+    }
+    void insert(const void *type, const void *jobClass, std::size_t row)
+    {
+        if (2 * (m_used + 1) > m_slots.size())
+            grow();
+        place(Slot{type, jobClass, row});
+        ++m_used;
+    }
+
+private:
+    struct Slot
+    {
+        const void *type = nullptr;
+        const void *jobClass = nullptr;
+        std::size_t row = None;
+    };
+    static std::size_t slotOf(const void *type, const void *jobClass)
+    {
+        const quint64 h = (quint64(quintptr(type)) * 0x9E3779B97F4A7C15ULL) ^
+                          (quint64(quintptr(jobClass)) * 0xC2B2AE3D27D4EB4FULL);
+        return std::size_t(h ^ (h >> 29));
+    }
+    void place(const Slot &slot)
+    {
+        const std::size_t mask = m_slots.size() - 1;
+        std::size_t i = slotOf(slot.type, slot.jobClass) & mask;
+        while (m_slots[i].row != None)
+            i = (i + 1) & mask;
+        m_slots[i] = slot;
+    }
+    void grow()
+    {
+        std::vector<Slot> old(m_slots.size() * 2);
+        old.swap(m_slots);
+        for (const Slot &slot : old) {
+            if (slot.row != None)
+                place(slot);
+        }
+    }
+
+    std::vector<Slot> m_slots;
+    std::size_t m_used = 0;
+};
+
 /// Sets key to a + separator + b, reusing its buffer (no allocation once it is large enough).
 void setKey(QString &key, QStringView a, QChar separator, QStringView b)
 {
@@ -243,18 +308,22 @@ double SummaryGrid::FitGridHeight(const OutlineGrid &grid, double topTwips, doub
 void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
                           const StringSet &jobTypeDescriptions,
                           const StringSet &jobClassDescriptions, const QString &totalCaption,
-                          PanelValues &panel, ErrorReporter *reporter)
+                          PanelValues &panel, ErrorReporter * /*reporter*/)
 {
     OutlineGrid::RedrawSuspender suspend(m_grid);
     ResetSummary(panel);
 
     // Units of the set that the model holds, in the set's order (an aggregate set may name units
     // the model never loaded).
+    // The largest class count of a unit's "TOTAL" type bounds the sort of the per-class rows below.
     std::vector<const BusinessUnit *> units;
     units.reserve(std::size_t(buSet.count()));
+    int maxClassCount = 0;
     for (const auto &entry : buSet) {
-        if (const BusinessUnit *bu = bus.Item(entry.key))
+        if (const BusinessUnit *bu = bus.Item(entry.key)) {
             units.push_back(bu);
+            maxClassCount = std::max(maxClassCount, bu->TotalJobType().Classes().Count());
+        }
     }
 
     // Class rows, shared across units: the same job type and class of two units add into one
@@ -263,12 +332,20 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
     std::vector<SumRow> rows;
     CodeNumbers codes;
     SumRowIndex rowOf(codes);
+    BufferPairRows rowOfBuffers;
     QString key;
     for (const BusinessUnit *bu : units) {
         addToPanel(panel, *bu);
         for (const JobType &jt : bu->JobTypes()) {
-            const int type = codes.of(jt.Code());
+            const void *typeBuffer = jt.Code().constData();
             for (const JobClass &jc : jt.Classes()) {
+                const void *classBuffer = jc.Code().constData();
+                if (const std::size_t known = rowOfBuffers.find(typeBuffer, classBuffer);
+                    known != BufferPairRows::None) {
+                    addCounters(rows[known].sum, jc);
+                    continue;
+                }
+                const int type = codes.of(jt.Code());
                 const int jobClass = codes.of(jc.Code());
                 const bool plain = !codes.hasBar(type) && !codes.hasBar(jobClass);
                 if (!plain)
@@ -283,6 +360,7 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
                                           .col2 = descriptionOr(jobClassDescriptions, jc.Code())});
                     rowOf.insert(type, jobClass, rows.back().key, r);
                 }
+                rowOfBuffers.insert(typeBuffer, classBuffer, r);
                 addCounters(rows[r].sum, jc);
             }
         }
@@ -432,7 +510,7 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
 
     // Only as many class rows are sorted as the largest single unit has classes; the rest keep
     // their order. Rows 3 to n + 2 are grid[1] to grid[n].
-    const int n = GetMaxClassCnt(buSet, bus, reporter);
+    const int n = maxClassCount;
     if (n >= 1) {
         const std::size_t last = std::min(std::size_t(n), grid.size() - 1);
         std::stable_sort(grid.begin() + 1, grid.begin() + std::ptrdiff_t(last) + 1,
