@@ -7,6 +7,7 @@
 namespace {
 
 constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();
+constexpr size_t kKeySeed = 0x2545F4914F6CDD1Dull;
 
 // Numbers the general parser reads when the quick reading below cannot.
 double slowCueValue(const QString &text)
@@ -54,12 +55,18 @@ double cueValue(const QString &text)
 
 } // namespace
 
-QString ChangeCues::rowKey(const OutlineGrid &grid, int row)
+size_t ChangeCues::rowKey(const OutlineGrid &grid, int row)
 {
     const QString &data = grid.rowData(row);
     if (!data.isEmpty())
-        return data;
-    return QStringLiteral("\x01") + QString::number(row); // the summary's grand total
+        return qHash(data, kKeySeed);
+    // The summary's grand total, the one row without row data: kept apart from any text's hash.
+    return qHash(QStringLiteral("\x01%1").arg(row), kKeySeed);
+}
+
+size_t ChangeCues::valueKey(const QString &key)
+{
+    return qHash(key, kKeySeed);
 }
 
 void ChangeCues::begin(const QString &context, bool afterRefresh, qint64 nowMs, qsizetype rows)
@@ -72,14 +79,14 @@ void ChangeCues::begin(const QString &context, bool afterRefresh, qint64 nowMs, 
     m_startMs = nowMs;
 }
 
-qsizetype ChangeCues::addRow(const QString &key)
+qsizetype ChangeCues::addRow(size_t key)
 {
     const qsizetype offset = qsizetype(m_next.values.size());
     m_next.rows.insert(key, offset);
     return offset;
 }
 
-void ChangeCues::compareRow(const QString &key, qsizetype offset, qsizetype cells)
+void ChangeCues::compareRow(size_t key, qsizetype offset, qsizetype cells)
 {
     if (!m_cueing)
         return;
@@ -117,10 +124,16 @@ int ChangeCues::capture(const OutlineGrid &grid, const QString &context, bool af
     const size_t total = size_t(std::max(0, grid.rowCount() - first)) * size_t(cols);
     m_next.values.reserve(total);
     m_next.cues.assign(total, qint8(0));
+    const int names = grid.outlineCol();
+    const int moreNames = grid.outlineTextCol();
     for (int row = first; row < grid.rowCount(); ++row) {
-        const QString key = rowKey(grid, row);
+        const size_t key = rowKey(grid, row);
         const qsizetype offset = addRow(key);
         for (int col = 0; col < cols; ++col) {
+            if (col == names || col == moreNames) {
+                m_next.values.push_back(kNoValue);
+                continue;
+            }
             // Figures written as numbers are read as such: no text to fetch and parse.
             const double number = grid.number(row, col);
             m_next.values.push_back(number == number ? number : cueValue(grid.text(row, col)));
@@ -136,7 +149,8 @@ int ChangeCues::captureValues(const QList<std::pair<QString, QString>> &values,
     begin(context, afterRefresh, nowMs, values.size());
     m_next.values.reserve(size_t(values.size()));
     m_next.cues.assign(size_t(values.size()), qint8(0));
-    for (const auto &[key, text] : values) {
+    for (const auto &[name, text] : values) {
+        const size_t key = valueKey(name);
         const qsizetype offset = addRow(key);
         m_next.values.push_back(cueValue(text));
         compareRow(key, offset, 1);
@@ -161,7 +175,7 @@ ChangeCues::Direction ChangeCues::direction(const QString &key) const
 {
     if (m_cued == 0)
         return Direction::None;
-    const auto it = m_last.rows.constFind(key);
+    const auto it = m_last.rows.constFind(valueKey(key));
     if (it == m_last.rows.constEnd() || size_t(*it) >= m_last.cues.size())
         return Direction::None;
     return Direction(m_last.cues[size_t(*it)]);

@@ -12,9 +12,12 @@ class OutlineGrid;
 ///
 /// Cells are keyed by what their row stands for (its row data, or its position for the one row
 /// without row data) and their column, never by row number, so rows that moved, appeared or
-/// vanished between refreshes give no false cues. A capture compares every cell with the previous
-/// capture: a numeric cell whose value differs is cued up or down (an empty cell counts as 0, as
-/// the grids write zero sums as nothing). Cells without a numeric value on both sides are not cued.
+/// vanished between refreshes give no false cues. Rows are told apart by a 64-bit hash of that key
+/// (no copy of thousands of keys per refresh); two keys sharing a hash could at worst cue a cell
+/// wrongly once. A capture compares every figure with the previous capture: a numeric cell whose
+/// value differs is cued up or down (an empty cell counts as 0, as the grids write zero sums as
+/// nothing). The outline columns hold names, never figures, and are not read; other cells without
+/// a numeric value on both sides are not cued.
 ///
 /// Cues are only drawn when the two captures show the same thing: the caller passes a context
 /// (the chosen units and mode) and whether the capture follows a data refresh; otherwise the
@@ -58,7 +61,7 @@ private:
     /// (NaN for text that is no number); `cues` runs parallel to `values`.
     struct Snapshot
     {
-        QHash<QString, qsizetype> rows;
+        QHash<size_t, qsizetype> rows; ///< row key's hash -> offset of its cells
         std::vector<double> values;
         std::vector<qint8> cues;
         void clear()
@@ -68,11 +71,12 @@ private:
             cues.clear();
         }
     };
-    [[nodiscard]] static QString rowKey(const OutlineGrid &grid, int row);
+    [[nodiscard]] static size_t rowKey(const OutlineGrid &grid, int row);
+    [[nodiscard]] static size_t valueKey(const QString &key);
     void begin(const QString &context, bool afterRefresh, qint64 nowMs, qsizetype rows);
     /// Adds a row whose cells the caller then appends to m_next.values; returns their offset.
-    qsizetype addRow(const QString &key);
-    void compareRow(const QString &key, qsizetype offset, qsizetype cells);
+    qsizetype addRow(size_t key);
+    void compareRow(size_t key, qsizetype offset, qsizetype cells);
     int end();
 
     Snapshot m_last; ///< the latest capture, with its cues

@@ -49,11 +49,13 @@ struct RowFigures
 };
 
 /// Completed over hours worked, both whole numbers, rounded to 2 decimals; 0 without hours.
-QString productivityText(qint32 completed, qint32 hoursWorked)
+double productivity(qint32 completed, qint32 hoursWorked)
 {
-    if (hoursWorked == 0)
-        return QStringLiteral("0");
-    const double value = Conv::round2(double(completed) / double(hoursWorked));
+    return hoursWorked == 0 ? 0 : Conv::round2(double(completed) / double(hoursWorked));
+}
+
+QString productivityText(double value)
+{
     return value == 0 ? QStringLiteral("0") : QString::number(value, 'g', 15);
 }
 
@@ -65,8 +67,8 @@ void writeFigures(OutlineGrid &grid, int row, const RowFigures &f,
     grid.setNumber(row, 3, f.hoursWorked);
     for (int s = 0; s < StatusCount; ++s)
         grid.setNumber(row, 4 + s, counts[std::size_t(s)]);
-    grid.setText(row, HierarchyLastCol,
-                 productivityText(counts[Counter::Completed], f.hoursWorked));
+    const double rate = productivity(counts[Counter::Completed], f.hoursWorked);
+    grid.setNumber(row, HierarchyLastCol, rate, productivityText(rate));
 }
 
 /// Disjoint sets over the units, each set being one subtree of the forest the moves have built so

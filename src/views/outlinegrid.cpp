@@ -391,6 +391,14 @@ void OutlineGrid::setNumber(int row, int col, qint64 value)
     notifyCells(row, col, row, col);
 }
 
+void OutlineGrid::setNumber(int row, int col, double value, const QString &text)
+{
+    Cell &c = cell(row, col);
+    c.text = text;
+    c.number = value;
+    notifyCells(row, col, row, col);
+}
+
 double OutlineGrid::number(int row, int col) const
 {
     return cell(row, col).number;

@@ -121,8 +121,10 @@ public:
     [[nodiscard]] const QString &text(int row, int col) const;
     void setText(int row, int col, const QString &text);
     /// Writes a whole number as the cell's text (its decimal digits) and keeps the number, so
-    /// that readers of figures (change cues) need not parse the text back.
+    /// that readers of figures (change cues) need not fetch and parse the text back.
     void setNumber(int row, int col, qint64 value);
+    /// The same for a number shown with a text of the caller's (a rate with its decimals).
+    void setNumber(int row, int col, double value, const QString &text);
     /// The number setNumber() wrote into the cell, NaN when its text was written otherwise.
     [[nodiscard]] double number(int row, int col) const;
     void setText(int row1, int col1, int row2, int col2, const QString &text);
@@ -247,7 +249,7 @@ private:
     struct Cell
     {
         QString text;
-        /// The whole number the text was written from (setNumber), NaN for any other text.
+        /// The number the text was written from (setNumber), NaN for any other text.
         double number = std::numeric_limits<double>::quiet_NaN();
         QRgb back = 0; ///< alpha 0: no colour set
         bool bold = false;
