@@ -4,6 +4,7 @@
 #include "control/dlviewer.h"
 #include "control/dlviewer_p.h"
 #include "model/cdlvcontroller.h"
+#include "viewerbench.h"
 #include "viewertestaccess.h"
 #include "views/changecues.h"
 #include "webdata/qzwebdata.h"
@@ -30,14 +31,7 @@ CuesBench::Times CuesBench::run(const std::shared_ptr<QZWebMessage> &first,
     QString language = QStringLiteral("EN");
     viewer.SetRegionalFormatInfo(language);
 
-    QStringList session;
-    const QZWebTable &units = first->data(1)->table(u"BusinessUnits");
-    const int idColumn = units.requireColumn(u"BUID");
-    for (int r = 1; r <= units.rowCount(); ++r) {
-        const QString id = units.value(r, idColumn).toString();
-        if (id != QStringLiteral("#"))
-            session << id;
-    }
+    QStringList session = ViewerBench::sessionUnits(*first);
     viewer.SetSessionBUIDList(session);
 
     QVariant messages[2] = {WebVariant::wrap(first), WebVariant::wrap(second)};

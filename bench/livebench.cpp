@@ -88,14 +88,7 @@ LiveBench::Times LiveBench::run(const std::shared_ptr<QZWebMessage> &message,
     window.show();
     settle(viewer);
 
-    QStringList session = ViewerBench::sessionUnits(*message);
-    viewer.SetSessionBUIDList(session);
-
-    QVariant data = WebVariant::wrap(message);
-    viewer.ReceiveMessage(data, QVariant(0), QVariant());
-    d.lvBU->selectAll();
-    d.optBU[1]->setChecked(true);
-    d.cmdView_Click();
+    QVariant data = ViewerBench::chooseEverything(viewer, message);
     settle(viewer);
 
     times.refresh = Stage::bestOf(runs, [&] {

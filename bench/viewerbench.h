@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QStringList>
+#include <QVariant>
 #include <memory>
 
+class DLViewer;
 class QZWebMessage;
 
 /// Drives a real control (offscreen, initialised, every unit in the session and selected,
@@ -30,4 +32,9 @@ public:
 
     /// Every unit of the message's "BusinessUnits" but the root: the session of a bench control.
     [[nodiscard]] static QStringList sessionUnits(const QZWebMessage &message);
+    /// The set-up every control run shares, on an initialised control: the message's units as
+    /// the session, a first delivery that fills the unit list, then every unit chosen and summed
+    /// with everything below it (View pressed). Returns the message as the control takes it.
+    static QVariant chooseEverything(DLViewer &viewer,
+                                     const std::shared_ptr<QZWebMessage> &message);
 };
