@@ -7,14 +7,14 @@
 #include <array>
 
 class BusinessUnits;
-class DetailColumns;
-class ErrorReporter;
 class GeneralColumns;
 class QZWebRow;
 
 /// One business unit of one data refresh: its general figures, its real job types, the synthetic
 /// "TOTAL" job type that sums same-named classes over all job types, fourteen unit-wide grand
-/// totals and four hourly rates. Filled by the loader, totalled once by CalcTotal, then read-only.
+/// totals and four hourly rates. The job types and classes live in the owning collection's flat
+/// storage (filled by BusinessUnits::LoadDetails, totalled by BusinessUnits::CalcTotals); the
+/// unit holds views of its part. Read-only once loaded.
 class BusinessUnit
 {
 public:
@@ -25,14 +25,6 @@ public:
     /// Reads "BUID" and "BUDesc" as text, then "TechCount", "HoursWorked" and "HoursRemaining"
     /// as numbers (leading-number parse, rounded to 32 bits; DLVError(6) outside the range).
     void Initialize(const QZWebRow &row, GeneralColumns &columns);
-    /// Adds the detail row to the job type of its "JobType" (created on first sight).
-    void AddJobType(const QZWebRow &row, DetailColumns &columns);
-    /// Builds the "TOTAL" job type, the grand totals and the rates. Must run exactly once: the
-    /// grand totals are added to, never cleared. Failures are reported with the location
-    /// "BusinessUnit.CalcTotal" and the unit keeps the totals reached so far.
-    void CalcTotal(ErrorReporter *reporter);
-    /// Releases the job types and the "TOTAL" job type (both end up empty).
-    void Terminate();
 
     [[nodiscard]] const QString &BUID() const { return m_buid; }
     [[nodiscard]] const QString &BUDesc() const { return m_buDesc; }
@@ -45,6 +37,7 @@ public:
     [[nodiscard]] float PtsPerHrReq() const { return m_ptsPerHrReq; }
 
     [[nodiscard]] const ::JobTypes &JobTypes() const { return m_jobTypes; }
+    /// The "TOTAL" job type; without code and classes until the unit is totalled.
     [[nodiscard]] const JobType &TotalJobType() const { return m_totalJobType; }
 
     /// 1-based row of the unit's first row in the general-information table.
@@ -60,7 +53,8 @@ public:
 
 private:
     friend class BusinessUnits;
-    void calcTotal();
+    /// Sets the four rates from the grand totals and the hours.
+    void calcRates();
 
     QString m_buid;
     QString m_buDesc;

@@ -1,5 +1,13 @@
 #include "model/businessunits.h"
 
+#include "common/conversions.h"
+#include "common/dlverror.h"
+#include "model/detailcolumns.h"
+#include "model/errortrap.h"
+#include "model/pairindex.h"
+#include "model/spellingindex.h"
+#include "webdata/qzwebtable.h"
+
 BusinessUnit &BusinessUnits::Add(const QZWebRow &row, GeneralColumns &columns)
 {
     auto unit = std::make_unique<BusinessUnit>();
@@ -9,6 +17,195 @@ BusinessUnit &BusinessUnits::Add(const QZWebRow &row, GeneralColumns &columns)
     BusinessUnit &added = *m_items.add(key, std::move(unit));
     m_byIndexValid = false;
     return added;
+}
+
+namespace {
+
+// The job types and classes in the order the rows create them, before they are laid out unit by
+// unit and type by type.
+struct Created
+{
+    struct Type
+    {
+        int unit;
+        int number;
+    };
+    std::vector<Type> types;
+    std::vector<JobClass> classes;
+    std::vector<int> typeOfClass;
+};
+
+} // namespace
+
+void BusinessUnits::LoadDetails(const QZWebTable &details, DetailColumns &columns)
+{
+    Created created;
+    // Lays the created types and classes out unit by unit (types) and type by type (classes),
+    // each group in creation order: two counting sorts.
+    const auto layOut = [&] {
+        const std::size_t units = std::size_t(Count());
+        std::vector<int> typeStart(units + 1, 0);
+        for (const Created::Type &type : created.types)
+            ++typeStart[std::size_t(type.unit) + 1];
+        for (std::size_t u = 0; u < units; ++u)
+            typeStart[u + 1] += typeStart[u];
+        std::vector<int> typeAt(created.types.size());
+        {
+            std::vector<int> next(typeStart.begin(), typeStart.end() - 1);
+            for (std::size_t t = 0; t < created.types.size(); ++t)
+                typeAt[t] = next[std::size_t(created.types[t].unit)]++;
+        }
+        std::vector<int> classStart(created.types.size() + 1, 0);
+        for (const int type : created.typeOfClass)
+            ++classStart[std::size_t(typeAt[std::size_t(type)]) + 1];
+        for (std::size_t t = 0; t < created.types.size(); ++t)
+            classStart[t + 1] += classStart[t];
+        m_classes.assign(created.classes.size(), JobClass());
+        {
+            std::vector<int> next(classStart.begin(), classStart.end() - 1);
+            for (std::size_t c = 0; c < created.classes.size(); ++c) {
+                const int at = next[std::size_t(typeAt[std::size_t(created.typeOfClass[c])])]++;
+                m_classes[std::size_t(at)] = created.classes[c];
+            }
+        }
+        created.classes = {};
+        m_types.assign(created.types.size(), JobType());
+        for (std::size_t t = 0; t < created.types.size(); ++t) {
+            const std::size_t at = std::size_t(typeAt[t]);
+            const int number = created.types[t].number;
+            m_types[at] = JobType(
+                m_typeCodes.code(number), number,
+                JobClasses(m_classes.data() + classStart[at], classStart[at + 1] - classStart[at]));
+        }
+        for (std::size_t u = 0; u < units; ++u)
+            At(qsizetype(u)).m_jobTypes =
+                ::JobTypes(m_types.data() + typeStart[u], typeStart[u + 1] - typeStart[u]);
+    };
+
+    try {
+        // Hundreds of thousands of rows name a few thousand units, a few dozen job types and
+        // classes, each in one spelling or a few: each spelling is looked up once, then found by
+        // its exact text in a small index. Hosts that send the rows unit by unit are served by the
+        // previous row's unit first.
+        SpellingIndex unitSpellings;
+        std::vector<int> unitOfSpelling;
+        PairIndex typeOf;  // (unit, folded type code) -> created type
+        PairIndex classOf; // (created type, folded class code) -> created class
+        const int rows = details.rowCount();
+        QStringView previousId;
+        int unit = -1;
+        for (int i = 1; i <= rows; ++i) {
+            const QZWebRow row(details, i);
+            const QStringView id = row.value(columns.buid());
+            if (i == 1 || id != previousId) {
+                const int spelling = unitSpellings.add(id);
+                if (unitSpellings.lastAdded())
+                    unitOfSpelling.push_back(int(m_items.indexOf(id)));
+                unit = unitOfSpelling[std::size_t(spelling)];
+                previousId = id;
+            }
+            if (unit < 0)
+                continue;
+
+            const int typeNumber = m_typeCodes.number(row.value(columns.jobType()));
+            int type = typeOf.findOrInsert(PairIndex::key(unit, m_typeCodes.fold(typeNumber)),
+                                           int(created.types.size()));
+            if (type < 0) {
+                type = int(created.types.size());
+                created.types.push_back(Created::Type{unit, typeNumber});
+            }
+
+            const int classNumber = m_classCodes.number(row.value(columns.jobClass()));
+            const std::uint64_t classKey = PairIndex::key(type, m_classCodes.fold(classNumber));
+            if (classOf.find(classKey) >= 0)
+                continue; // the first row of a class wins
+            columns.resolveClassFields();
+            JobClass::Counters counters;
+            for (int s = 0; s < JobClass::CounterCount; ++s)
+                counters[std::size_t(s)] = Conv::textToLong(row.value(columns.counter(s)));
+            classOf.findOrInsert(classKey, int(created.classes.size()));
+            created.classes.emplace_back(m_classCodes.code(classNumber), classNumber, counters);
+            created.typeOfClass.push_back(type);
+        }
+    } catch (...) {
+        layOut();
+        throw;
+    }
+    layOut();
+}
+
+void BusinessUnits::CalcTotals(ErrorReporter *reporter)
+{
+    // A unit's "TOTAL" classes are never more than its classes: reserved once, the storage never
+    // moves under the views handed out.
+    m_totals.clear();
+    m_totals.reserve(m_classes.size());
+    std::vector<int> totalOfFold(std::size_t(m_classCodes.foldCount()), -1);
+    for (qsizetype p = 0; p < m_items.count(); ++p) {
+        BusinessUnit &bu = At(p);
+        ErrorTrap::run(reporter, QStringLiteral("BusinessUnit.CalcTotal"),
+                       [&] { calcTotal(bu, totalOfFold); });
+    }
+}
+
+void BusinessUnits::calcTotal(BusinessUnit &bu, std::vector<int> &totalOfFold)
+{
+    constexpr int CounterCount = BusinessUnit::CounterCount;
+    // The "TOTAL" classes are the union of all class codes, first appearance first. The sums are
+    // then addressed through an exact-case lookup of each code, so a class whose code differs
+    // only in case from an earlier one (kept once by the case-blind union) has no position: the
+    // accumulator is addressed outside its bounds. The position of every (job type, class) pair
+    // is resolved here, in the same walk.
+    const std::size_t first = m_totals.size();
+    std::vector<int> positions;
+    std::vector<int> folds;
+    for (const JobType &jobType : bu.m_jobTypes) {
+        for (const JobClass &jobClass : jobType.Classes()) {
+            const int fold = m_classCodes.fold(jobClass.Number());
+            int &at = totalOfFold[std::size_t(fold)];
+            if (at < 0) {
+                at = int(m_totals.size() - first);
+                folds.push_back(fold);
+                m_totals.emplace_back(jobClass.Code(), jobClass.Number());
+            }
+            positions.push_back(
+                m_totals[first + std::size_t(at)].Number() == jobClass.Number() ? at : -1);
+        }
+    }
+    for (const int fold : folds)
+        totalOfFold[std::size_t(fold)] = -1;
+    const int n = int(m_totals.size() - first);
+    bu.m_totalJobType = JobType(JobType::TotalCode, -1, JobClasses(m_totals.data() + first, n));
+    if (n < 1)
+        return;
+
+    std::vector<JobClass::Counters> accumulator(std::size_t(n), JobClass::Counters{});
+    std::size_t firstOfType = 0;
+    for (const JobType &jobType : bu.m_jobTypes) {
+        const JobClasses &classes = jobType.Classes();
+        for (int s = 0; s < CounterCount; ++s) {
+            std::size_t pair = firstOfType;
+            for (const JobClass &jobClass : classes) {
+                const int p = positions[pair++];
+                if (p < 0)
+                    throw DLVError::subscriptOutOfRange(
+                        QStringLiteral("no total position for job class \"%1\"")
+                            .arg(jobClass.Code()));
+                const qint32 value = jobClass.JobDetails()[std::size_t(s)];
+                qint32 &cell = accumulator[std::size_t(p)][std::size_t(s)];
+                cell = Conv::addChecked(cell, value);
+                bu.m_grandTotals[std::size_t(s)] =
+                    Conv::addChecked(bu.m_grandTotals[std::size_t(s)], value);
+            }
+        }
+        firstOfType += std::size_t(classes.Count());
+    }
+
+    for (int p = 0; p < n; ++p)
+        m_totals[first + std::size_t(p)] =
+            JobClass(m_totals[first + std::size_t(p)].Code(),
+                     m_totals[first + std::size_t(p)].Number(), accumulator[std::size_t(p)]);
+    bu.calcRates();
 }
 
 BusinessUnit *BusinessUnits::Item(QStringView buid)
@@ -44,6 +241,11 @@ bool BusinessUnits::Remove(QStringView buid)
 
 void BusinessUnits::Terminate()
 {
-    for (auto &entry : m_items)
-        entry.value->Terminate();
+    for (auto &entry : m_items) {
+        entry.value->m_jobTypes = ::JobTypes();
+        entry.value->m_totalJobType = JobType();
+    }
+    m_types = {};
+    m_classes = {};
+    m_totals = {};
 }

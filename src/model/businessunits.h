@@ -2,17 +2,24 @@
 
 #include "common/ordereddict.h"
 #include "model/businessunit.h"
+#include "model/codetable.h"
 #include "model/collectioniterator.h"
 
 #include <QHash>
 #include <memory>
 #include <utility>
+#include <vector>
 
+class DetailColumns;
+class ErrorReporter;
 class GeneralColumns;
 class QZWebRow;
+class QZWebTable;
 
 /// The business units of one data refresh, keyed by BUID without regard to letter case, in the
-/// order of first appearance in the general-information table. Owns its units; a unit stays at
+/// order of first appearance in the general-information table. Owns its units and, in three flat
+/// arrays, every unit's job types, job classes and "TOTAL" classes; the job-type and job-class
+/// codes are numbered once per message (CodeTable), so the views sum by number. A unit stays at
 /// the same address until it is removed or the collection is destroyed, so views may keep
 /// pointers for the life of one refresh. Not copyable or movable (units point back to it).
 class BusinessUnits
@@ -32,6 +39,19 @@ public:
     /// collection is unchanged then.
     BusinessUnit &Add(const QZWebRow &row, GeneralColumns &columns);
 
+    /// Reads the detail rows, in table order, into the job types and classes of the units they
+    /// name (rows of other units are skipped). A job type is created on the first row of its code
+    /// in the unit, a class on the first row of its code in the job type; later rows of a class
+    /// are ignored. Codes compare without regard to letter case, the first spelling stays.
+    /// Throws DLVError at the first row that fails (missing column, counter outside 32 bits);
+    /// the units then hold what the rows before it gave, and the failing row's new job type.
+    void LoadDetails(const QZWebTable &details, DetailColumns &columns);
+    /// Builds every unit's "TOTAL" job type, grand totals and rates, once per load. The "TOTAL"
+    /// classes are the union of the unit's class codes, first appearance first. A unit that fails
+    /// is reported (location "BusinessUnit.CalcTotal") and keeps the totals reached; the next
+    /// unit is totalled all the same.
+    void CalcTotals(ErrorReporter *reporter);
+
     /// The unit with that BUID (any letter case), or nullptr.
     [[nodiscard]] BusinessUnit *Item(QStringView buid);
     [[nodiscard]] const BusinessUnit *Item(QStringView buid) const;
@@ -41,7 +61,7 @@ public:
 
     [[nodiscard]] int Count() const { return int(m_items.count()); }
     bool Remove(QStringView buid);
-    /// Tells every unit to release its contents.
+    /// Releases every unit's job types and classes.
     void Terminate();
 
     [[nodiscard]] const_iterator begin() const { return const_iterator(m_items.begin()); }
@@ -49,11 +69,25 @@ public:
     /// Mutable access in collection order, for the loader.
     [[nodiscard]] BusinessUnit &At(qsizetype position) { return *m_items.at(position).value; }
 
+    /// The message's job-type and job-class codes: JobType::Number() and JobClass::Number()
+    /// index them.
+    [[nodiscard]] const CodeTable &JobTypeCodes() const { return m_typeCodes; }
+    [[nodiscard]] const CodeTable &JobClassCodes() const { return m_classCodes; }
+
 private:
     friend class BusinessUnit;
     void buIndexChanged() { m_byIndexValid = false; }
+    void calcTotal(BusinessUnit &bu, std::vector<int> &totalOfFold);
 
     OrderedDict<std::unique_ptr<BusinessUnit>> m_items{KeyCompare::CaseInsensitive};
     mutable QHash<qint32, const BusinessUnit *> m_byIndex;
     mutable bool m_byIndexValid = false;
+
+    CodeTable m_typeCodes;
+    CodeTable m_classCodes;
+    // Every unit's job types one after the other, each type's classes one after the other; the
+    // units' and types' views point into them, so they are filled once and never grow after.
+    std::vector<JobType> m_types;
+    std::vector<JobClass> m_classes;
+    std::vector<JobClass> m_totals;
 };

@@ -13,7 +13,6 @@
 #include "webdata/qzwebtable.h"
 #include "webdata/webvariant.h"
 
-#include <QHash>
 #include <cmath>
 
 namespace {
@@ -225,31 +224,9 @@ void cDLVController::LoadBUData(const QZWebTable &general, const QZWebTable &det
                 bus.Add(row, generalColumns).SetBUIndex(i);
         }
 
-        // Hundreds of thousands of detail rows name a few thousand units, in one spelling each:
-        // each spelling is looked up without regard to case once, then found by its exact text
-        // (the views point into the table, which stays unchanged during the load). Hosts that
-        // send the rows unit by unit are served by the previous row's unit first.
         DetailColumns detailColumns(details);
-        const int detailRows = details.rowCount();
-        QHash<QStringView, BusinessUnit *> unitBySpelling;
-        QStringView previousId;
-        BusinessUnit *previousUnit = nullptr;
-        for (int i = 1; i <= detailRows; ++i) {
-            const QZWebRow row(details, i);
-            const QStringView id = row.value(detailColumns.buid());
-            if (i == 1 || id != previousId) {
-                const auto known = unitBySpelling.constFind(id);
-                previousUnit = known != unitBySpelling.constEnd()
-                                   ? known.value()
-                                   : unitBySpelling.insert(id, bus.Item(id)).value();
-                previousId = id;
-            }
-            if (previousUnit)
-                previousUnit->AddJobType(row, detailColumns);
-        }
-
-        for (int p = 0; p < bus.Count(); ++p)
-            bus.At(p).CalcTotal(m_reporter);
+        bus.LoadDetails(details, detailColumns);
+        bus.CalcTotals(m_reporter);
         ok = true;
     });
 }

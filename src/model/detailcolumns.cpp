@@ -37,12 +37,3 @@ void DetailColumns::resolveClassFields()
         m_counters[std::size_t(s)] = m_table->requireColumn(CounterColumns[std::size_t(s)]);
     m_classFieldsResolved = true;
 }
-
-QString DetailColumns::intern(StringSet &pool, QStringView code)
-{
-    if (const QString *stored = pool.find(code))
-        return *stored;
-    const QString text = code.toString();
-    pool.add(text, text);
-    return text;
-}

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "common/ordereddict.h"
 #include "model/counter.h"
 
 #include <QString>
@@ -9,9 +8,7 @@
 
 class QZWebTable;
 
-/// Reading context of one "BUDetailsInfo" table: column positions looked up once per table, and
-/// the job-type and job-class codes shared between rows (a table of 300,000 rows holds a few dozen
-/// distinct codes, so each stored code shares one string instead of allocating its own).
+/// Column positions of one "BUDetailsInfo" table, looked up once per table.
 /// Columns are resolved on first use and in the order a row is read ("BUID"; then "JobType";
 /// then "JobClass" and the fourteen counters), so a missing column fails at the same point, with
 /// the same partial model, as a field-by-name read would.
@@ -34,19 +31,11 @@ public:
     void resolveClassFields();
     [[nodiscard]] int counter(int index) const { return m_counters[std::size_t(index)]; }
 
-    /// The stored form of a code: equal codes share one string.
-    [[nodiscard]] QString jobTypeCode(QStringView code) { return intern(m_jobTypeCodes, code); }
-    [[nodiscard]] QString jobClassCode(QStringView code) { return intern(m_jobClassCodes, code); }
-
 private:
-    static QString intern(StringSet &pool, QStringView code);
-
     const QZWebTable *m_table;
     int m_buid = -1;
     int m_jobType = -1;
     int m_jobClass = -1;
     bool m_classFieldsResolved = false;
     std::array<int, CounterCount> m_counters{};
-    StringSet m_jobTypeCodes{KeyCompare::Exact};
-    StringSet m_jobClassCodes{KeyCompare::Exact};
 };

@@ -1,15 +1,22 @@
 #include "model/jobclasses.h"
 
-void JobClasses::Add(const QZWebRow &row, DetailColumns &columns)
+#include "common/dlverror.h"
+#include "model/codelookup.h"
+
+const JobClass *JobClasses::Item(QStringView code) const
 {
-    JobClass jobClass;
-    jobClass.Initialize(row, columns);
-    m_items.add(std::move(jobClass));
+    const qsizetype i = IndexOf(code);
+    return i < 0 ? nullptr : m_first + i;
 }
 
-void JobClasses::AddTotalClass(const QString &name)
+qsizetype JobClasses::IndexOf(QStringView code) const
 {
-    JobClass jobClass;
-    jobClass.AddTotalClass(name);
-    m_items.add(std::move(jobClass));
+    return CodeLookup::indexOf(begin(), end(), code);
+}
+
+const JobClass &JobClasses::At(qsizetype position) const
+{
+    if (position < 0 || position >= m_count)
+        throw DLVError::subscriptOutOfRange(QStringLiteral("job class %1").arg(position));
+    return m_first[position];
 }

@@ -4,9 +4,6 @@
 
 #include <QString>
 
-class DetailColumns;
-class QZWebRow;
-
 /// One job type inside one business unit: its code and its job classes. The synthetic job type
 /// that holds a unit's summed classes carries the code "TOTAL". Descriptions are not kept here;
 /// the data controller holds the code-to-description lookups.
@@ -14,22 +11,22 @@ class JobType
 {
 public:
     JobType() = default;
+    /// code must outlive the job type (the message's code table keeps it).
+    JobType(const QString &code, int number, JobClasses classes)
+        : m_code(&code), m_number(number), m_classes(classes)
+    {}
 
-    /// Reads the code from the row's "JobType".
-    void Initialize(const QZWebRow &row, DetailColumns &columns);
-    /// Adds the row's class unless the type already has a class of that code: the first row of a
-    /// class wins and the counters of later duplicate rows are ignored.
-    void AddJobClass(const QZWebRow &row, DetailColumns &columns);
-    /// Adds an all-zero class of that name unless one is present (compared without regard to case).
-    void AddTotalClass(const QString &name);
-
-    [[nodiscard]] const QString &Code() const { return m_code; }
-    void SetCode(const QString &code) { m_code = code; }
-
-    [[nodiscard]] JobClasses &Classes() { return m_classes; }
+    [[nodiscard]] const QString &Code() const { return *m_code; }
+    /// The number of the code's exact spelling within the data message (-1 for "TOTAL").
+    [[nodiscard]] int Number() const { return m_number; }
     [[nodiscard]] const JobClasses &Classes() const { return m_classes; }
 
+    /// The code of the job type that sums a unit's classes.
+    static const QString TotalCode;
+
 private:
-    QString m_code;
+    static const QString s_noCode;
+    const QString *m_code = &s_noCode;
+    int m_number = -1;
     JobClasses m_classes;
 };

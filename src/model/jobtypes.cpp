@@ -1,8 +1,9 @@
 #include "model/jobtypes.h"
 
-JobType &JobTypes::Add(const QZWebRow &row, DetailColumns &columns)
+#include "model/codelookup.h"
+
+const JobType *JobTypes::Item(QStringView code) const
 {
-    JobType jobType;
-    jobType.Initialize(row, columns);
-    return m_items.add(std::move(jobType));
+    const qsizetype i = CodeLookup::indexOf(begin(), end(), code);
+    return i < 0 ? nullptr : m_first + i;
 }

@@ -5,6 +5,7 @@
 #include "model/businessunit.h"
 #include "model/businessunits.h"
 #include "model/errortrap.h"
+#include "model/pairindex.h"
 #include "views/outlinegrid.h"
 #include "views/panelvalues.h"
 
@@ -83,137 +84,69 @@ void addCounters(std::array<qint32, Counters> &sum, const JobClass &jc)
         sum[s] = Conv::addChecked(sum[s], counters[s]);
 }
 
-/// Numbers the job-type and job-class codes met in one fill by their exact text. The loader keeps
-/// one shared string per distinct code, so a code is found by its buffer and its text is hashed
-/// only on the first sight of each buffer. Equal buffers always hold equal text while the model
-/// lives, which is all a fill needs.
-class CodeNumbers
+/// Whether the message's codes hold the row data's separator "|", looked at once per code.
+class BarCodes
 {
 public:
-    int of(const QString &code)
+    explicit BarCodes(const CodeTable &codes)
+        : m_codes(&codes), m_bar(std::size_t(codes.count()), -1)
+    {}
+    [[nodiscard]] bool operator()(int number)
     {
-        const void *buffer = code.constData();
-        if (const auto it = m_byBuffer.constFind(buffer); it != m_byBuffer.constEnd())
-            return it.value();
-        int number = m_byText.value(code, -1);
-        if (number < 0) {
-            number = int(m_hasBar.size());
-            m_byText.insert(code, number);
-            m_hasBar.push_back(code.contains(u'|'));
-        }
-        m_byBuffer.insert(buffer, number);
-        return number;
+        if (number < 0)
+            return false;
+        signed char &bar = m_bar[std::size_t(number)];
+        if (bar < 0)
+            bar = m_codes->code(number).contains(u'|') ? 1 : 0;
+        return bar != 0;
     }
-    /// The number of a text met before, or -1.
-    [[nodiscard]] int find(const QString &code) const { return m_byText.value(code, -1); }
-    /// Whether the code holds the row data's separator "|".
-    [[nodiscard]] bool hasBar(int number) const { return m_hasBar[std::size_t(number)]; }
 
 private:
-    QHash<const void *, int> m_byBuffer;
-    QHash<QString, int> m_byText;
-    std::vector<bool> m_hasBar;
+    const CodeTable *m_codes;
+    std::vector<signed char> m_bar;
 };
 
-/// The class rows of one fill by their row data "type|class". A pair of codes without "|" gives
-/// row data with exactly one "|", which no pair holding a "|" can give: such pairs are found by
-/// their two numbers, the rest (where "A|B" + "C" and "A" + "B|C" share one row) by the text.
+/// The class rows of one fill, by the numbers of their two codes. A pair of codes without "|"
+/// gives row data with exactly one "|", which no pair holding a "|" can give: such a pair is its
+/// row's only pair. Pairs holding a "|" share a row when their row data are equal ("A|B" + "C"
+/// and "A" + "B|C"), so they are found by the text once, then by their numbers too.
 class SumRowIndex
 {
 public:
     static constexpr std::size_t None = std::size_t(-1);
 
-    [[nodiscard]] std::size_t find(int type, int jobClass, const QString &key) const
+    SumRowIndex(const CodeTable &types, const CodeTable &classes)
+        : m_typeBar(types), m_classBar(classes)
+    {}
+
+    /// The row of the pair, looked up by its numbers only.
+    [[nodiscard]] std::size_t findPair(int type, int jobClass) const
     {
-        if (!m_codes->hasBar(type) && !m_codes->hasBar(jobClass)) {
-            const auto it = m_byPair.constFind(pair(type, jobClass));
-            return it == m_byPair.constEnd() ? None : it.value();
-        }
+        const int row = m_byPair.find(PairIndex::key(type, jobClass));
+        return row < 0 ? None : std::size_t(row);
+    }
+    /// Whether the pair's row data hold no "|" but the separator.
+    [[nodiscard]] bool plain(int type, int jobClass)
+    {
+        return !m_typeBar(type) && !m_classBar(jobClass);
+    }
+    /// The row of the pair by its row data key (a pair holding a "|"), or None.
+    [[nodiscard]] std::size_t findText(const QString &key) const
+    {
         const auto it = m_byText.constFind(key);
         return it == m_byText.constEnd() ? None : it.value();
     }
-    void insert(int type, int jobClass, const QString &key, std::size_t row)
+    void insertPair(int type, int jobClass, std::size_t row)
     {
-        if (!m_codes->hasBar(type) && !m_codes->hasBar(jobClass))
-            m_byPair.insert(pair(type, jobClass), row);
-        else
-            m_byText.insert(key, row);
+        m_byPair.findOrInsert(PairIndex::key(type, jobClass), int(row));
     }
-    explicit SumRowIndex(const CodeNumbers &codes) : m_codes(&codes) {}
+    void insertText(const QString &key, std::size_t row) { m_byText.insert(key, row); }
 
 private:
-    static quint64 pair(int type, int jobClass)
-    {
-        return (quint64(quint32(type)) << 32) | quint32(jobClass);
-    }
-    const CodeNumbers *m_codes;
-    QHash<quint64, std::size_t> m_byPair;
+    BarCodes m_typeBar;
+    BarCodes m_classBar;
+    PairIndex m_byPair;
     QHash<QString, std::size_t> m_byText;
-};
-
-/// The class row of a (job type, job class) pair by the two codes' buffers. The loader keeps one
-/// shared string per distinct code, so nearly every class of every unit is found here with one
-/// probe of a flat table instead of two hash look-ups; equal buffers hold equal text, so a pair of
-/// buffers always stands for one row. Open addressing, linear probing, never shrinks.
-class BufferPairRows
-{
-public:
-    static constexpr std::size_t None = std::size_t(-1);
-
-    BufferPairRows() : m_slots(64) {}
-
-    [[nodiscard]] std::size_t find(const void *type, const void *jobClass) const
-    {
-        const std::size_t mask = m_slots.size() - 1;
-        for (std::size_t i = slotOf(type, jobClass) & mask;; i = (i + 1) & mask) {
-            const Slot &slot = m_slots[i];
-            if (slot.row == None)
-                return None;
-            if (slot.type == type && slot.jobClass == jobClass)
-                return slot.row;
-        }
-    }
-    void insert(const void *type, const void *jobClass, std::size_t row)
-    {
-        if (2 * (m_used + 1) > m_slots.size())
-            grow();
-        place(Slot{type, jobClass, row});
-        ++m_used;
-    }
-
-private:
-    struct Slot
-    {
-        const void *type = nullptr;
-        const void *jobClass = nullptr;
-        std::size_t row = None;
-    };
-    static std::size_t slotOf(const void *type, const void *jobClass)
-    {
-        const quint64 h = (quint64(quintptr(type)) * 0x9E3779B97F4A7C15ULL) ^
-                          (quint64(quintptr(jobClass)) * 0xC2B2AE3D27D4EB4FULL);
-        return std::size_t(h ^ (h >> 29));
-    }
-    void place(const Slot &slot)
-    {
-        const std::size_t mask = m_slots.size() - 1;
-        std::size_t i = slotOf(slot.type, slot.jobClass) & mask;
-        while (m_slots[i].row != None)
-            i = (i + 1) & mask;
-        m_slots[i] = slot;
-    }
-    void grow()
-    {
-        std::vector<Slot> old(m_slots.size() * 2);
-        old.swap(m_slots);
-        for (const Slot &slot : old) {
-            if (slot.row != None)
-                place(slot);
-        }
-    }
-
-    std::vector<Slot> m_slots;
-    std::size_t m_used = 0;
 };
 
 /// Sets key to a + separator + b, reusing its buffer (no allocation once it is large enough).
@@ -327,40 +260,34 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
     }
 
     // Class rows, shared across units: the same job type and class of two units add into one
-    // row. Rows are found through the codes' numbers, so finding an existing row neither builds
+    // row. Rows are found by the numbers of the codes, so finding an existing row neither builds
     // nor hashes its row data.
     std::vector<SumRow> rows;
-    CodeNumbers codes;
-    SumRowIndex rowOf(codes);
-    BufferPairRows rowOfBuffers;
+    SumRowIndex rowOf(bus.JobTypeCodes(), bus.JobClassCodes());
     QString key;
     for (const BusinessUnit *bu : units) {
         addToPanel(panel, *bu);
         for (const JobType &jt : bu->JobTypes()) {
-            const void *typeBuffer = jt.Code().constData();
+            const int type = jt.Number();
             for (const JobClass &jc : jt.Classes()) {
-                const void *classBuffer = jc.Code().constData();
-                if (const std::size_t known = rowOfBuffers.find(typeBuffer, classBuffer);
-                    known != BufferPairRows::None) {
+                const int jobClass = jc.Number();
+                if (const std::size_t known = rowOf.findPair(type, jobClass);
+                    known != SumRowIndex::None) {
                     addCounters(rows[known].sum, jc);
                     continue;
                 }
-                const int type = codes.of(jt.Code());
-                const int jobClass = codes.of(jc.Code());
-                const bool plain = !codes.hasBar(type) && !codes.hasBar(jobClass);
-                if (!plain)
-                    setKey(key, jt.Code(), u'|', jc.Code());
-                std::size_t r = rowOf.find(type, jobClass, key);
+                setKey(key, jt.Code(), u'|', jc.Code());
+                const bool plain = rowOf.plain(type, jobClass);
+                std::size_t r = plain ? SumRowIndex::None : rowOf.findText(key);
                 if (r == SumRowIndex::None) {
-                    if (plain)
-                        setKey(key, jt.Code(), u'|', jc.Code());
                     r = rows.size();
                     rows.push_back(SumRow{.key = key,
                                           .col1 = descriptionOr(jobTypeDescriptions, jt.Code()),
                                           .col2 = descriptionOr(jobClassDescriptions, jc.Code())});
-                    rowOf.insert(type, jobClass, rows.back().key, r);
+                    if (!plain)
+                        rowOf.insertText(rows.back().key, r);
                 }
-                rowOfBuffers.insert(typeBuffer, classBuffer, r);
+                rowOf.insertPair(type, jobClass, r);
                 addCounters(rows[r].sum, jc);
             }
         }
@@ -464,24 +391,26 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
     // Per-class totals over all job types, with the row data "|class": found by the class code's
     // number. A new one goes directly below the grand total, so the newest stands first.
     std::vector<SumRow> classRows;
-    QHash<int, std::size_t> classRowOf;
-    const int emptyType = codes.of(QString());
+    std::vector<int> classRowOf(std::size_t(bus.JobClassCodes().count()), -1);
+    const int emptyType = bus.JobTypeCodes().find(QStringView());
     for (const BusinessUnit *bu : units) {
         for (const JobClass &jc : bu->TotalJobType().Classes()) {
-            const int jobClass = codes.of(jc.Code());
-            if (auto it = classRowOf.constFind(jobClass); it != classRowOf.constEnd()) {
-                addCounters(classRows[it.value()].sum, jc);
+            const int jobClass = jc.Number();
+            if (const int known = classRowOf[std::size_t(jobClass)]; known >= 0) {
+                addCounters(classRows[std::size_t(known)].sum, jc);
                 continue;
             }
             setKey(key, QStringView(), u'|', jc.Code());
-            if (const std::size_t d = rowOf.find(emptyType, jobClass, key);
-                d != SumRowIndex::None) {
-                // A class row of a job type with an empty code carries the same row data.
+            // A class row of a job type with an empty code carries the same row data.
+            const std::size_t d = rowOf.plain(emptyType, jobClass)
+                                      ? rowOf.findPair(emptyType, jobClass)
+                                      : rowOf.findText(key);
+            if (d != SumRowIndex::None) {
                 SumRow &row = rows[d];
                 addCounters(row.sum, jc);
                 row.touchedByClassTotals = true;
             } else {
-                classRowOf.insert(jobClass, classRows.size());
+                classRowOf[std::size_t(jobClass)] = int(classRows.size());
                 classRows.push_back(SumRow{.key = key,
                                            .col1 = totalCaption,
                                            .col2 = descriptionOr(jobClassDescriptions, jc.Code())});
