@@ -8,6 +8,8 @@
 #include <QStringView>
 #include <cstddef>
 #include <functional>
+#include <memory>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -24,8 +26,12 @@ enum class KeyCompare
 /// never throw (find() gives nullptr). Lookups take a QStringView and do not allocate, also in the
 /// case-insensitive mode, so hot loops can look up by a view into a host table.
 /// Removal is linear (it re-indexes the entries after the removed one); the project removes rarely.
+/// Copies share their contents until one of them changes (as Qt's containers do), so that lists
+/// of ten thousand ids pass between the controller and the views without being copied.
 template <typename V> class OrderedDict
 {
+    static constexpr bool Shareable = std::is_copy_constructible_v<V>;
+
 public:
     struct Entry
     {
@@ -34,21 +40,46 @@ public:
     };
 
     explicit OrderedDict(KeyCompare compare = KeyCompare::Exact)
-        : m_index(16, Hash{compare}, Equal{compare}), m_compare(compare)
+        : d(std::make_shared<Data>(compare)), m_compare(compare)
     {}
+    // A move shares like a copy (it costs the same), so that a moved-from dictionary stays usable.
+    // Values that cannot be copied cannot be shared: such a dictionary moves for real.
+    OrderedDict(const OrderedDict &) requires Shareable = default;
+    OrderedDict &operator=(const OrderedDict &) requires Shareable = default;
+    OrderedDict(OrderedDict &&other) noexcept requires Shareable : d(other.d),
+                                                                   m_compare(other.m_compare)
+    {}
+    OrderedDict &operator=(OrderedDict &&other) noexcept requires Shareable
+    {
+        d = other.d;
+        m_compare = other.m_compare;
+        return *this;
+    }
+    OrderedDict(OrderedDict &&other) requires(!Shareable)
+        : d(std::exchange(other.d, std::make_shared<Data>(other.m_compare))),
+          m_compare(other.m_compare)
+    {}
+    OrderedDict &operator=(OrderedDict &&other) requires(!Shareable)
+    {
+        d = std::exchange(other.d, std::make_shared<Data>(other.m_compare));
+        m_compare = other.m_compare;
+        return *this;
+    }
+    ~OrderedDict() = default;
 
     [[nodiscard]] KeyCompare keyCompare() const { return m_compare; }
-    [[nodiscard]] qsizetype count() const { return qsizetype(m_entries.size()); }
-    [[nodiscard]] bool isEmpty() const { return m_entries.empty(); }
+    [[nodiscard]] qsizetype count() const { return qsizetype(d->entries.size()); }
+    [[nodiscard]] bool isEmpty() const { return d->entries.empty(); }
 
     /// Adds key with value; throws DLVError(457) when the key is already present.
     V &add(const QString &key, V value)
     {
-        if (m_index.find(QStringView(key)) != m_index.end())
+        if (contains(key))
             throw DLVError::duplicateKey(key);
-        m_entries.push_back(Entry{key, std::move(value)});
-        m_index.emplace(m_entries.back().key, m_entries.size() - 1);
-        return m_entries.back().value;
+        Data &data = detach();
+        data.entries.push_back(Entry{key, std::move(value)});
+        data.index.emplace(data.entries.back().key, data.entries.size() - 1);
+        return data.entries.back().value;
     }
 
     /// Adds the key unless present; returns true when it was added.
@@ -62,25 +93,25 @@ public:
 
     [[nodiscard]] bool contains(QStringView key) const
     {
-        return m_index.find(key) != m_index.end();
+        return d->index.find(key) != d->index.end();
     }
 
     [[nodiscard]] const V *find(QStringView key) const
     {
-        const auto it = m_index.find(key);
-        return it == m_index.end() ? nullptr : &m_entries[it->second].value;
+        const auto it = d->index.find(key);
+        return it == d->index.end() ? nullptr : &d->entries[it->second].value;
     }
     [[nodiscard]] V *find(QStringView key)
     {
-        const auto it = m_index.find(key);
-        return it == m_index.end() ? nullptr : &m_entries[it->second].value;
+        const auto it = d->index.find(key);
+        return it == d->index.end() ? nullptr : &detach().entries[it->second].value;
     }
 
     /// Position of the key in insertion order, or -1.
     [[nodiscard]] qsizetype indexOf(QStringView key) const
     {
-        const auto it = m_index.find(key);
-        return it == m_index.end() ? -1 : qsizetype(it->second);
+        const auto it = d->index.find(key);
+        return it == d->index.end() ? -1 : qsizetype(it->second);
     }
 
     /// The value of a key that must exist; throws DLVError(5) otherwise.
@@ -103,44 +134,57 @@ public:
 
     bool remove(QStringView key)
     {
-        const auto it = m_index.find(key);
-        if (it == m_index.end())
+        if (!contains(key))
             return false;
+        Data &data = detach();
+        const auto it = data.index.find(key);
         const std::size_t pos = it->second;
-        m_index.erase(it);
-        m_entries.erase(m_entries.begin() + qsizetype(pos));
-        for (std::size_t i = pos; i < m_entries.size(); ++i)
-            m_index[m_entries[i].key] = i;
+        data.index.erase(it);
+        data.entries.erase(data.entries.begin() + qsizetype(pos));
+        for (std::size_t i = pos; i < data.entries.size(); ++i)
+            data.index[data.entries[i].key] = i;
         return true;
     }
 
     void clear()
     {
-        m_index.clear();
-        m_entries.clear();
+        if (d.use_count() > 1) {
+            d = std::make_shared<Data>(m_compare);
+            return;
+        }
+        d->index.clear();
+        d->entries.clear();
     }
 
     void reserve(qsizetype n)
     {
-        m_entries.reserve(std::size_t(n));
-        m_index.reserve(std::size_t(n));
+        Data &data = detach();
+        data.entries.reserve(std::size_t(n));
+        data.index.reserve(std::size_t(n));
     }
 
     /// Entry by 0-based position; throws DLVError(9) outside 0 to count() - 1.
-    [[nodiscard]] const Entry &at(qsizetype i) const { return m_entries[checkedIndex(i)]; }
-    [[nodiscard]] Entry &at(qsizetype i) { return m_entries[checkedIndex(i)]; }
-    [[nodiscard]] const QString &keyAt(qsizetype i) const { return m_entries[checkedIndex(i)].key; }
+    [[nodiscard]] const Entry &at(qsizetype i) const { return d->entries[checkedIndex(i)]; }
+    [[nodiscard]] Entry &at(qsizetype i)
+    {
+        const std::size_t at = checkedIndex(i);
+        return detach().entries[at];
+    }
+    [[nodiscard]] const QString &keyAt(qsizetype i) const
+    {
+        return d->entries[checkedIndex(i)].key;
+    }
 
-    [[nodiscard]] auto begin() const { return m_entries.cbegin(); }
-    [[nodiscard]] auto end() const { return m_entries.cend(); }
-    [[nodiscard]] auto begin() { return m_entries.begin(); }
-    [[nodiscard]] auto end() { return m_entries.end(); }
+    [[nodiscard]] auto begin() const { return d->entries.cbegin(); }
+    [[nodiscard]] auto end() const { return d->entries.cend(); }
+    [[nodiscard]] auto begin() { return detach().entries.begin(); }
+    [[nodiscard]] auto end() { return detach().entries.end(); }
 
     [[nodiscard]] std::vector<QString> keys() const
     {
         std::vector<QString> out;
-        out.reserve(m_entries.size());
-        for (const Entry &e : m_entries)
+        out.reserve(d->entries.size());
+        for (const Entry &e : d->entries)
             out.push_back(e.key);
         return out;
     }
@@ -201,8 +245,23 @@ private:
         }
     };
 
-    std::vector<Entry> m_entries;
-    std::unordered_map<QString, std::size_t, Hash, Equal> m_index;
+    struct Data
+    {
+        explicit Data(KeyCompare compare) : index(16, Hash{compare}, Equal{compare}) {}
+        std::vector<Entry> entries;
+        std::unordered_map<QString, std::size_t, Hash, Equal> index;
+    };
+    /// The contents for a change: a copy of its own first when they are shared.
+    Data &detach()
+    {
+        if constexpr (Shareable) {
+            if (d.use_count() > 1)
+                d = std::make_shared<Data>(*d);
+        }
+        return *d;
+    }
+
+    std::shared_ptr<Data> d; // never null
     KeyCompare m_compare;
 };
 

@@ -81,6 +81,8 @@ cDLVController::~cDLVController()
 void cDLVController::Initialize(DLVSurface *surface)
 {
     m_surface = surface;
+    m_keptChosen = KeptList();
+    m_keptAggregate = KeptList();
 }
 
 void cDLVController::Release()
@@ -94,6 +96,7 @@ void cDLVController::Release()
     m_jobClassDescriptions.clear();
     m_timeFormats.reset();
     m_hierarchyValid = false;
+    ++m_parentEpoch;
 }
 
 void cDLVController::ReceiveMessage(const QVariant &data, qint32 DataType, const QString &Tag)
@@ -204,6 +207,7 @@ void cDLVController::LoadCodeLookups(const QZWebTable &businessUnits, const QZWe
     // Lookup by lookup: a failure leaves the later lookups as the previous load left them.
     fillLookup(m_buDescriptions, businessUnits, u"BUID", u"BUDesc");
     m_hierarchyValid = false;
+    ++m_parentEpoch;
     fillLookup(m_parentBUIDs, businessUnits, u"BUID", u"ParentBUID");
     fillLookup(m_jobTypeDescriptions, jobTypes, u"JobType", u"JobTypeDesc");
     fillLookup(m_jobClassDescriptions, jobClasses, u"JobClass", u"JobClassDesc");
@@ -269,13 +273,19 @@ StringSet cDLVController::GetBUList()
     ErrorTrap::run(m_reporter, QStringLiteral("cDLVController.GetBUList"), [&] {
         if (!m_surface)
             throw DLVError::invalidCall(QStringLiteral("the controller has no surface to read"));
+        const quint64 revision = m_surface->buListRevision();
+        if (revision != 0 && revision == m_keptChosen.revision) {
+            ids = m_keptChosen.ids;
+            return;
+        }
         const int count = m_surface->buListCount();
         for (int i = 0; i < count; ++i) {
             if (!m_surface->buListSelected(i))
                 continue;
-            const QString id = m_surface->buListKey(i).mid(1);
+            const QString id = m_surface->buListId(i);
             ids.addIfAbsent(id, id);
         }
+        m_keptChosen = KeptList{revision, 0, ids};
     });
     return ids;
 }
@@ -286,14 +296,21 @@ StringSet cDLVController::GetAggregateBUList()
     ErrorTrap::run(m_reporter, QStringLiteral("cDLVController.GetAggregateBUList"), [&] {
         if (!m_surface)
             throw DLVError::invalidCall(QStringLiteral("the controller has no surface to read"));
+        const quint64 revision = m_surface->buListRevision();
+        if (revision != 0 && revision == m_keptAggregate.revision &&
+            m_parentEpoch == m_keptAggregate.epoch) {
+            ids = m_keptAggregate.ids;
+            return;
+        }
         const int count = m_surface->buListCount();
         // Units listed by an earlier selected unit's walk bring all their descendants with them:
         // later walks skip them, so the whole list costs one visit per unit at any depth.
         std::vector<char> done(std::size_t(Hierarchy().count()), 0);
         for (int i = 0; i < count; ++i) {
             if (m_surface->buListSelected(i))
-                appendBUIDList(m_surface->buListKey(i).mid(1), ids, &done);
+                appendBUIDList(m_surface->buListId(i), ids, &done);
         }
+        m_keptAggregate = KeptList{revision, m_parentEpoch, ids};
     });
     return ids;
 }

@@ -134,5 +134,18 @@ private:
     mutable BUHierarchy m_hierarchy;
     mutable bool m_hierarchyValid = false;
     mutable std::vector<int> m_walk; // scratch for descendant walks
+
+    // The last chosen and aggregate lists, kept while the surface's list and choice (its
+    // revision) and the parent map (its epoch) stay as they were: the views ask for them on every
+    // fill and every View, and ten thousand chosen units make a list worth keeping.
+    struct KeptList
+    {
+        quint64 revision = 0;
+        quint64 epoch = 0;
+        StringSet ids{KeyCompare::Exact};
+    };
+    KeptList m_keptChosen;
+    KeptList m_keptAggregate;
+    quint64 m_parentEpoch = 1;
     FillBusy m_busy;
 };

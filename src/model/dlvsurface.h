@@ -14,4 +14,9 @@ public:
     [[nodiscard]] virtual int buListCount() const = 0;
     [[nodiscard]] virtual QString buListKey(int index) const = 0;
     [[nodiscard]] virtual bool buListSelected(int index) const = 0;
+    /// The unit id of an item: its key less the first character.
+    [[nodiscard]] virtual QString buListId(int index) const { return buListKey(index).mid(1); }
+    /// A number that changes whenever the list or its selection changes, so that the controller
+    /// can keep the lists it computed from them; 0 when the surface cannot tell (nothing is kept).
+    [[nodiscard]] virtual quint64 buListRevision() const { return 0; }
 };

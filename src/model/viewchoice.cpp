@@ -22,11 +22,22 @@ bool ViewChoice::isChosen(int index) const
     return m_chosen[std::size_t(index)] != 0;
 }
 
+QString ViewChoice::buListId(int index) const
+{
+    (void)unitKey(index); // range check
+    return m_ids[std::size_t(index)];
+}
+
 void ViewChoice::setUnits(std::vector<QString> keys, std::vector<char> chosen)
 {
     m_keys = std::move(keys);
+    m_ids.clear();
+    m_ids.reserve(m_keys.size());
+    for (const QString &key : m_keys)
+        m_ids.push_back(key.mid(1));
     m_chosen = std::move(chosen);
     m_chosen.resize(m_keys.size(), 0);
+    ++m_revision;
     Q_EMIT unitsReset();
 }
 
@@ -35,6 +46,7 @@ void ViewChoice::setChosen(int index, bool chosen)
     if (isChosen(index) == chosen)
         return;
     m_chosen[std::size_t(index)] = chosen;
+    ++m_revision;
     Q_EMIT chosenChanged(index);
 }
 
@@ -44,6 +56,7 @@ void ViewChoice::setAllChosen(std::vector<char> chosen)
     if (chosen == m_chosen)
         return;
     m_chosen = std::move(chosen);
+    ++m_revision;
     Q_EMIT chosenChanged(-1);
 }
 
@@ -52,7 +65,7 @@ QStringList ViewChoice::chosenIds() const
     QStringList ids;
     for (std::size_t i = 0; i < m_keys.size(); ++i) {
         if (m_chosen[i])
-            ids.append(m_keys[i].mid(1));
+            ids.append(m_ids[i]);
     }
     return ids;
 }

@@ -49,6 +49,8 @@ public:
     [[nodiscard]] int buListCount() const override { return unitCount(); }
     [[nodiscard]] QString buListKey(int index) const override { return unitKey(index); }
     [[nodiscard]] bool buListSelected(int index) const override { return isChosen(index); }
+    [[nodiscard]] QString buListId(int index) const override;
+    [[nodiscard]] quint64 buListRevision() const override { return m_revision; }
 
 Q_SIGNALS:
     /// The list was replaced.
@@ -60,7 +62,9 @@ Q_SIGNALS:
 
 private:
     std::vector<QString> m_keys;
+    std::vector<QString> m_ids; // the keys less their first character, made once per list
     std::vector<char> m_chosen;
     std::optional<bool> m_singleUnits;
     std::optional<bool> m_byWorkOrders;
+    quint64 m_revision = 1; // counts changes of the list and of the choice
 };

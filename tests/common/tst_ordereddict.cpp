@@ -1,6 +1,7 @@
 #include "common/ordereddict.h"
 #include "support/expecterror.h"
 
+#include <functional>
 #include <gtest/gtest.h>
 
 namespace {
@@ -131,3 +132,50 @@ TEST(OrderedDict, RemovalKeepsOrderAndIndexesConsistent)
 }
 
 } // namespace
+
+// Copies share their contents until one changes: a change through any path (add, set, remove,
+// clear, a mutable lookup or iteration) must leave the other copies as they were.
+TEST(OrderedDict, CopiesChangeIndependently)
+{
+    const struct
+    {
+        const char *name;
+        std::function<void(StringSet &)> change;
+    } changes[] = {
+        {"add", [](StringSet &s) { s.add(QStringLiteral("c"), QStringLiteral("3")); }},
+        {"set", [](StringSet &s) { s.set(QStringLiteral("a"), QStringLiteral("9")); }},
+        {"remove", [](StringSet &s) { s.remove(u"a"); }},
+        {"clear", [](StringSet &s) { s.clear(); }},
+        {"find", [](StringSet &s) { *s.find(u"b") = QStringLiteral("9"); }},
+        {"at", [](StringSet &s) { s.at(0).value = QStringLiteral("9"); }},
+        {"iterate",
+         [](StringSet &s) {
+             for (auto &entry : s)
+                 entry.value = QStringLiteral("9");
+         }},
+    };
+    for (const auto &c : changes) {
+        SCOPED_TRACE(c.name);
+        StringSet original(KeyCompare::CaseInsensitive);
+        original.add(QStringLiteral("a"), QStringLiteral("1"));
+        original.add(QStringLiteral("B"), QStringLiteral("2"));
+        StringSet copy = original;
+        StringSet moved = std::move(StringSet(original));
+        c.change(copy);
+        for (const StringSet *kept : {&original, &moved}) {
+            ASSERT_EQ(kept->count(), 2);
+            EXPECT_EQ(kept->keys(), (std::vector<QString>{"a", "B"}));
+            EXPECT_EQ(*kept->find(u"A"), QStringLiteral("1"));
+            EXPECT_EQ(*kept->find(u"b"), QStringLiteral("2"));
+        }
+        EXPECT_NE(copy.keys() == original.keys() && *copy.find(u"b") == u"2" && copy.find(u"a") &&
+                      *copy.find(u"a") == u"1",
+                  true);
+    }
+    // A moved-from dictionary stays usable.
+    StringSet from;
+    from.add(QStringLiteral("x"), QStringLiteral("1"));
+    StringSet to = std::move(from);
+    from.add(QStringLiteral("y"), QStringLiteral("2"));
+    EXPECT_EQ(to.keys(), (std::vector<QString>{"x"}));
+}

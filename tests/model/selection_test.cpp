@@ -1,5 +1,6 @@
 // Selection lists: descendants from the parent map, list-view selections and aggregate sets.
 #include "model/controllerfixture.h"
+#include "model/viewchoice.h"
 
 #include <QRandomGenerator>
 #include <QStringList>
@@ -193,4 +194,64 @@ TEST(SelectionAggregate, EqualsTheJoinedDescendantListsOnRandomTrees)
                     expected.addIfAbsent(entry.key, entry.key);
         ASSERT_EQ(rig.controller.GetAggregateBUList().keys(), expected.keys());
     }
+}
+
+// The controller keeps the lists it computed while the choice and the parent map stay as they
+// were. A kept list that outlived a change would sum the wrong units, so every kind of change
+// must show in the next answer.
+TEST(KeptSelectionLists, FollowEveryChangeOfTheChoiceAndTheParentMap)
+{
+    ViewChoice choice;
+    RecordingReporter reporter;
+    cDLVController controller(&reporter);
+    controller.Initialize(&choice);
+    const auto load = [&](const char *parentOfC) {
+        controller.Busy().clear();
+        controller.ReceiveMessage(DLVDataBuilder()
+                                      .unit("A", "A", "#")
+                                      .unit("B", "B", "A")
+                                      .unit("C", "C", parentOfC)
+                                      .general("A")
+                                      .variant(),
+                                  0, QString());
+    };
+    load("B");
+    choice.setUnits({"_A", "_B", "_C"}, {1, 0, 0});
+    const auto ids = [](const StringSet &set) { return set.keys(); };
+    using Ids = std::vector<QString>;
+
+    const struct
+    {
+        const char *name;
+        std::function<void()> change;
+        Ids chosen;
+        Ids aggregate;
+    } steps[] = {
+        {"as loaded", [] {}, {"A"}, {"A", "B", "C"}},
+        {"asked again", [] {}, {"A"}, {"A", "B", "C"}},
+        {"one unit more", [&] { choice.setChosen(2, true); }, {"A", "C"}, {"A", "B", "C"}},
+        {"a new selection",
+         [&] {
+             choice.setAllChosen({0, 1, 0});
+         },
+         {"B"},
+         {"B", "C"}},
+        {"a new parent map", [&] { load("A"); }, {"B"}, {"B"}},
+        {"a new list",
+         [&] {
+             choice.setUnits({"_C", "_A"}, {1, 1});
+         },
+         {"C", "A"},
+         {"C", "A", "B"}},
+    };
+    for (const auto &step : steps) {
+        SCOPED_TRACE(step.name);
+        step.change();
+        StringSet chosen = controller.GetBUList();
+        EXPECT_EQ(ids(chosen), step.chosen);
+        EXPECT_EQ(ids(controller.GetAggregateBUList()), step.aggregate);
+        chosen.add(QStringLiteral("X"), QStringLiteral("X")); // the caller's copy is its own
+        EXPECT_EQ(ids(controller.GetBUList()), step.chosen);
+    }
+    EXPECT_TRUE(reporter.reports.empty());
 }
