@@ -8,6 +8,7 @@
 #include "control/livecues.h"
 #include "control/panelview.h"
 #include "control/selectionoptions.h"
+#include "control/statusline.h"
 #include "control/toolbaractions.h"
 #include "control/toprow.h"
 #include "control/unitlistpane.h"
