@@ -44,9 +44,9 @@ CuesBench::Times CuesBench::run(const std::shared_ptr<QZWebMessage> &first,
         return double(timer.nsecsElapsed()) / 1e6;
     };
     refresh();
-    d.lvBU->selectAll();
-    d.optBU[1]->setChecked(true);
-    d.cmdView_Click();
+    d.unitListWidget()->selectAll();
+    d.options().summaryOption(1)->setChecked(true);
+    d.fills().cmdView_Click();
     refresh();
 
     times.refreshOff = times.refreshOn = 1e300;
@@ -68,20 +68,20 @@ CuesBench::Times CuesBench::run(const std::shared_ptr<QZWebMessage> &first,
     times.cueWork = 1e300;
     for (int i = 0; i < std::max(runs, 1); ++i) {
         for (int g = 0; g < 3; ++g)
-            probes[g].capture(d.grids[g], QStringLiteral("bench"), true, 0);
+            probes[g].capture(d.views().grid(g), QStringLiteral("bench"), true, 0);
         refresh();
         QElapsedTimer timer;
         timer.start();
         // Every refresh with cues on names the chosen units, then compares the grids.
-        const QString context = d.selectionContext();
+        const QString context = d.fills().selectionContext();
         for (int g = 0; g < 3; ++g)
-            probes[g].capture(d.grids[g], QStringLiteral("bench"), true, 1);
+            probes[g].capture(d.views().grid(g), QStringLiteral("bench"), true, 1);
         cued += int(context.size() > 0);
         times.cueWork = std::min(times.cueWork, double(timer.nsecsElapsed()) / 1e6);
     }
     times.cuedCells = cued > 0 ? 0 : -1; // -1: no units were chosen
     for (int g = 0; g < 3; ++g)
         times.cuedCells += probes[g].cued();
-    times.units = d.mDLV->BUs().Count();
+    times.units = d.controller()->BUs().Count();
     return times;
 }

@@ -157,7 +157,7 @@ int EnduranceRun::run(const Options &options)
     viewer.SetSessionBUIDList(session);
 
     int accepted = 0;
-    QObject::connect(d.mDLV.get(), &cDLVController::FillBUHierarchyGrid,
+    QObject::connect(d.controller(), &cDLVController::FillBUHierarchyGrid,
                      [&accepted](BusinessUnits &) { ++accepted; });
 
     Sequence sequence(options.seed);
@@ -186,7 +186,7 @@ int EnduranceRun::run(const Options &options)
             message = sequence.data(n);
             ++dataMessages;
         }
-        if (message->name() == u"DLVData" && d.mDLV->Busy().any())
+        if (message->name() == u"DLVData" && d.controller()->Busy().any())
             ++dropped;
         const int errorsBefore = errors;
         QVariant wrapped = WebVariant::wrap(message);
@@ -205,9 +205,9 @@ int EnduranceRun::run(const Options &options)
         }
         if (n == 1) {
             // Everything chosen, summed as aggregates, as a busy supervisor's view would be.
-            d.lvBU->selectAll();
-            d.optBU[1]->setChecked(true);
-            d.cmdView_Click();
+            d.unitListWidget()->selectAll();
+            d.options().summaryOption(1)->setChecked(true);
+            d.fills().cmdView_Click();
         }
         if (n == options.warmUp) {
             settle();

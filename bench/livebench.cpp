@@ -95,7 +95,7 @@ LiveBench::Times LiveBench::run(const std::shared_ptr<QZWebMessage> &message,
         viewer.ReceiveMessage(data, QVariant(0), QVariant());
         settle(viewer);
     });
-    times.units = d.mDLV->BUs().Count();
+    times.units = d.controller()->BUs().Count();
 
     // A step and its way back, alternating (a repeated step would change nothing): the slower of
     // the two directions' best times.
@@ -121,20 +121,20 @@ LiveBench::Times LiveBench::run(const std::shared_ptr<QZWebMessage> &message,
     double toWorkOrders = 1e300;
     for (int i = 0; i < std::max(runs, 1); ++i) {
         toHierarchy = std::min(toHierarchy, Stage::bestOf(1, [&] {
-                                   d.Tabs->setCurrentIndex(1);
+                                   d.options().tabs()->setCurrentIndex(1);
                                    settle(viewer);
                                }));
         toPoints = std::min(toPoints, Stage::bestOf(1, [&] {
-                                d.optDisplay[1]->setChecked(true);
+                                d.options().displayOption(1)->setChecked(true);
                                 settle(viewer);
                             }));
         toWorkOrders = std::min(toWorkOrders, Stage::bestOf(1, [&] {
-                                    d.optDisplay[0]->setChecked(true);
+                                    d.options().displayOption(0)->setChecked(true);
                                     settle(viewer);
                                 }));
         if (i + 1 < std::max(runs, 1))
             toSummary = std::min(toSummary, Stage::bestOf(1, [&] {
-                                     d.Tabs->setCurrentIndex(0);
+                                     d.options().tabs()->setCurrentIndex(0);
                                      settle(viewer);
                                  }));
     }
@@ -142,8 +142,8 @@ LiveBench::Times LiveBench::run(const std::shared_ptr<QZWebMessage> &message,
 
     // The top node of the work-order hierarchy (the root, with every unit below it), collapsed
     // and expanded through the view as a click on its branch would.
-    OutlineGridView *view = d.vsFlex[1];
-    const OutlineGrid &tree = d.grids[1];
+    OutlineGridView *view = d.views().view(1);
+    const OutlineGrid &tree = d.views().grid(1);
     const auto *model = static_cast<const OutlineGridModel *>(view->model());
     const int top = tree.fixedRows();
     if (top < tree.rowCount() && tree.isNode(top)) {
@@ -164,31 +164,32 @@ LiveBench::Times LiveBench::run(const std::shared_ptr<QZWebMessage> &message,
         times.expand = expand;
         // A double-click on the open work orders of the first unit row (the root shows no figures):
         // the request for every unit below it.
-        d.Tabs->setCurrentIndex(1);
+        d.options().tabs()->setCurrentIndex(1);
         settle(viewer);
         int unitRow = top;
         while (unitRow + 1 < tree.rowCount() && tree.text(unitRow, 1).isEmpty())
             ++unitRow;
         times.drillDown = Stage::bestOf(runs, [&] {
-            d.grids[1].setCurrentCell(unitRow, 4); // the press before the double-click
-            d.lastMouseButton = DrillDown::LeftButton;
-            d.vsFlex_DblClick(1, unitRow, 4);
+            d.views().grid(1).setCurrentCell(unitRow, 4); // the press before the double-click
+            d.details().vsFlex_MouseDown(1, DrillDown::LeftButton);
+            d.details().vsFlex_DblClick(1, unitRow, 4);
             settle(viewer);
         });
     }
     toSummary = std::min(toSummary, Stage::bestOf(1, [&] {
-                             d.Tabs->setCurrentIndex(0);
+                             d.options().tabs()->setCurrentIndex(0);
                              settle(viewer);
                          }));
     times.tabSwitch = std::max(toHierarchy, toSummary);
 
     // View after the choice changed (one unit fewer, then all again): the summary refills.
-    QTreeWidgetItem *first = d.lvBU->topLevelItemCount() > 0 ? d.lvBU->topLevelItem(0) : nullptr;
+    QTreeWidgetItem *first =
+        d.unitListWidget()->topLevelItemCount() > 0 ? d.unitListWidget()->topLevelItem(0) : nullptr;
     double viewButton = 1e300;
     for (int i = 0; i < 2 * std::max(runs, 1) && first; ++i) {
         first->setSelected(i % 2 != 0);
         viewButton = std::min(viewButton, Stage::bestOf(1, [&] {
-                                  d.cmdView_Click();
+                                  d.fills().cmdView_Click();
                                   settle(viewer);
                               }));
     }
@@ -197,7 +198,7 @@ LiveBench::Times LiveBench::run(const std::shared_ptr<QZWebMessage> &message,
     // Wider and narrower by 300 pixels (both above the width the panel starts to scroll at), on
     // either tab: the slowest counts.
     for (int tab : {1, 0}) {
-        d.Tabs->setCurrentIndex(tab);
+        d.options().tabs()->setCurrentIndex(tab);
         settle(viewer);
         times.resize = std::max(times.resize, slower([&] { viewer.resize(1900, 1000); },
                                                      [&] { viewer.resize(1600, 1000); }));

@@ -18,6 +18,7 @@
 #include <QRadioButton>
 #include <QTreeWidget>
 #include <algorithm>
+#include <array>
 
 ViewerBench::Times ViewerBench::run(const std::shared_ptr<QZWebMessage> &message, int runs)
 {
@@ -34,24 +35,27 @@ ViewerBench::Times ViewerBench::run(const std::shared_ptr<QZWebMessage> &message
 
     times.refresh =
         Stage::bestOf(runs, [&] { viewer.ReceiveMessage(data, QVariant(0), QVariant()); });
-    BusinessUnits &model = d.mDLV->BUs();
+    BusinessUnits &model = d.controller()->BUs();
     times.units = model.Count();
+    // The fill's own collapsed-node memory is private to the control; the same two lists here.
+    std::array<StringSet, 2> collapsed;
     times.hierarchyFill = Stage::bestOf(runs, [&] {
-        OutlineGrid::RedrawSuspender suspendWorkOrders(d.grids[1]);
-        OutlineGrid::RedrawSuspender suspendPoints(d.grids[2]);
-        d.SaveCollapsedList(1, *d.collapsedLists[1]);
-        d.SaveCollapsedList(2, *d.collapsedLists[2]);
-        HierarchyGrid::Fill(d.grids[1], d.grids[2], *d.mDLV, model, d.currentSelection);
-        d.RestoreCollapsedList(1, *d.collapsedLists[1]);
-        d.RestoreCollapsedList(2, *d.collapsedLists[2]);
+        OutlineGrid::RedrawSuspender suspendWorkOrders(d.views().grid(1));
+        OutlineGrid::RedrawSuspender suspendPoints(d.views().grid(2));
+        d.views().SaveCollapsedList(1, collapsed[0]);
+        d.views().SaveCollapsedList(2, collapsed[1]);
+        HierarchyGrid::Fill(d.views().grid(1), d.views().grid(2), *d.controller(), model,
+                            d.fills().currentSelection());
+        d.views().RestoreCollapsedList(1, collapsed[0]);
+        d.views().RestoreCollapsedList(2, collapsed[1]);
     });
-    times.unitList = Stage::bestOf(runs, [&] { d.LoadBUListView(); });
-    times.summaryFill = Stage::bestOf(runs, [&] { d.ShowBUs(model); });
+    times.unitList = Stage::bestOf(runs, [&] { d.fills().LoadBUListView(); });
+    times.summaryFill = Stage::bestOf(runs, [&] { d.fills().ShowBUs(model); });
 
-    times.hierarchyRows = d.grids[1].rowCount();
-    times.listItems = d.lvBU->topLevelItemCount();
-    times.selected = int(d.lvBU->selectionModel()->selectedRows().size());
-    times.summaryRows = d.grids[0].rowCount();
+    times.hierarchyRows = d.views().grid(1).rowCount();
+    times.listItems = d.unitListWidget()->topLevelItemCount();
+    times.selected = int(d.unitListWidget()->selectionModel()->selectedRows().size());
+    times.summaryRows = d.views().grid(0).rowCount();
     return times;
 }
 
@@ -77,8 +81,8 @@ QVariant ViewerBench::chooseEverything(DLViewer &viewer,
     viewer.SetSessionBUIDList(session);
     QVariant data = WebVariant::wrap(message);
     viewer.ReceiveMessage(data, QVariant(0), QVariant());
-    d.lvBU->selectAll();
-    d.choice.setSingleUnits(false);
-    d.cmdView_Click();
+    d.unitListWidget()->selectAll();
+    d.choice().setSingleUnits(false);
+    d.fills().cmdView_Click();
     return data;
 }

@@ -3,52 +3,41 @@
 #include "common/conversions.h"
 #include "common/dlverror.h"
 #include "control/dlviewer_p.h"
+#include "control/drilldownrequests.h"
+#include "control/gridoutput.h"
+#include "control/gridviews.h"
 #include "control/livecues.h"
+#include "control/panelview.h"
 #include "control/profilehostadapter.h"
+#include "control/selectionoptions.h"
+#include "control/statusline.h"
+#include "control/toolbaractions.h"
+#include "control/toprow.h"
 #include "control/unitlistpane.h"
+#include "control/viewscontroller.h"
 #include "model/cdlvcontroller.h"
 #include "profiles/profiledialoghost.h"
 #include "profiles/profileexchange.h"
+#include "ui/aboutinfo.h"
 #include "ui/captioncatalogue.h"
 #include "ui/dialoghost.h"
 #include "ui/errorreport.h"
+#include "views/drilldown.h"
 #include "views/outlinegridview.h"
 #include "views/panellayout.h"
 #include "webdata/qzwebtransport.h"
 
-#include <QAction>
-#include <QApplication>
-#include <QButtonGroup>
 #include <QFrame>
 #include <QGroupBox>
-#include <QHeaderView>
 #include <QLabel>
-#include <QMenu>
-#include <QPushButton>
-#include <QRadioButton>
 #include <QResizeEvent>
 #include <QStyle>
-#include <QTabBar>
-#include <QToolBar>
-#include <QToolButton>
 #include <QTreeWidget>
 #include <cmath>
 
 namespace {
 
 constexpr int kMargin = 4;
-constexpr int kPanelRowHeight = 22;
-constexpr int kPanelRows = 4;
-
-const QColor kStatusBlue(0, 0, 255);
-
-// A caption the panel layout may shorten to its column; the whole text is kept beside it.
-void setFullText(QLabel *label, const QString &text)
-{
-    label->setProperty("fullText", text);
-    label->setText(text);
-}
-const QColor kStatusRed(255, 0, 0);
 
 // A public method's argument that must convert; a failure reaches the host as the platform's
 // type-mismatch (or overflow) error.
@@ -86,253 +75,228 @@ QString variantToString(const QVariant &value)
 } // namespace
 
 // ----------------------------------------------------------------------------------------------
-// DLViewerPrivate
+// DLViewerPrivate: creation and wiring
 
 DLViewerPrivate::DLViewerPrivate(DLViewer *qq)
     : q(qq), m_dialogs(std::make_unique<ProfileDialogHost>())
 {
     // What the control creates at creation: the controller and the empty containers.
-    mDLV = std::make_unique<cDLVController>(this);
-    sessionBUs = std::make_unique<StringSet>();
-    for (auto &list : collapsedLists)
-        list = std::make_unique<StringSet>();
+    m_dlv = std::make_unique<cDLVController>(this);
     createWidgets();
     createProfiles();
-    connectDrillDown();
-    connectToolbar();
     m_errorReport = std::make_unique<ErrorReport>(m_dialogs.get());
-    m_errorReport->setOwner(fraDLV);
-
+    m_errorReport->setOwner(m_frame);
     createLiveCues();
-
-    QObject::connect(mDLV.get(), &cDLVController::ShowStatus, q,
-                     [this](const QString &key, bool error) {
-                         ShowStatus(key, error);
-                         liveCues->statusShown(key);
-                     });
-    QObject::connect(mDLV.get(), &cDLVController::HideStatus, q, [this] { HideStatus(); });
-    QObject::connect(mDLV.get(), &cDLVController::FillBUHierarchyGrid, q,
-                     [this](BusinessUnits &bus) { mDLV_FillBUHierarchyGrid(bus); });
-    QObject::connect(mDLV.get(), &cDLVController::FillSingleBUGrid, q,
-                     [this](BusinessUnits &bus) { mDLV_FillSingleBUGrid(bus); });
-    QObject::connect(
-        mDLV.get(), &cDLVController::RefreshTimesChanged, q,
-        [this](const QString &last, const QString &next) { showRefreshTimes(last, next); });
+    connectParts();
 }
 
 DLViewerPrivate::~DLViewerPrivate() = default;
 
-QLabel *DLViewerPrivate::namedLabel(QWidget *parent, const char *name)
-{
-    auto *label = new QLabel(parent);
-    label->setObjectName(QString::fromLatin1(name));
-    return label;
-}
-
 void DLViewerPrivate::createWidgets()
 {
-    fraDLV = new QFrame(q);
-    fraDLV->setObjectName(QStringLiteral("fraDLV"));
+    const auto caption = [this](const QString &key) { return this->caption(key); };
 
-    tbMain = new QToolBar(fraDLV);
-    tbMain->setObjectName(QStringLiteral("tbMain"));
-    tbMain->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    tbMain->setIconSize(QSize(20, 20));
-    const auto addButton = [this](const char *key, QStyle::StandardPixmap icon) {
-        QAction *a = tbMain->addAction(q->style()->standardIcon(icon), QString());
-        a->setObjectName(QString::fromLatin1(key));
-        return a;
-    };
-    btnSaveGrid = addButton("SaveGrid", QStyle::SP_DialogSaveButton);
-    btnPrintGrid = addButton("PrintGrid", QStyle::SP_FileDialogDetailedView);
-    dataSeparators[0] = tbMain->addSeparator();
-    btnProfiles = addButton("Profiles", QStyle::SP_FileDialogListView);
-    dataSeparators[1] = tbMain->addSeparator();
-    btnHelp = addButton("Help", QStyle::SP_MessageBoxInformation);
+    m_frame = new QFrame(q);
+    m_frame->setObjectName(QStringLiteral("fraDLV"));
+    m_toolbar = new ToolbarActions(m_frame, q);
+    m_topRow = std::make_unique<TopRow>(m_frame);
 
-    mnuProfileSection = new QMenu(q);
-    mnuProfileSection->setObjectName(QStringLiteral("mnuProfileSection"));
-    mnuUse = mnuProfileSection->addMenu(QString());
-    mnuUse->setObjectName(QStringLiteral("mnuUse"));
-    QAction *first = mnuUse->addAction(QString());
-    first->setObjectName(QStringLiteral("mnuProfile0"));
-    first->setCheckable(true);
-    first->setVisible(false);
-    mnuProfile.push_back(first);
-    mnuProfileSection->addSeparator();
-    mnuSaveProfile = mnuProfileSection->addAction(QString());
-    mnuSaveProfile->setObjectName(QStringLiteral("mnuSaveProfile"));
-    mnuSaveProfileAs = mnuProfileSection->addAction(QString());
-    mnuSaveProfileAs->setObjectName(QStringLiteral("mnuSaveProfileAs"));
-    mnuManage = mnuProfileSection->addAction(QString());
-    mnuManage->setObjectName(QStringLiteral("mnuManage"));
-    btnProfiles->setMenu(mnuProfileSection);
-    if (auto *button = qobject_cast<QToolButton *>(tbMain->widgetForAction(btnProfiles)))
-        button->setPopupMode(QToolButton::MenuButtonPopup);
+    m_selectionFrame = new QGroupBox(m_frame);
+    m_selectionFrame->setObjectName(QStringLiteral("fraSelection"));
+    m_unitsLabel = new QLabel(m_selectionFrame);
+    m_unitsLabel->setObjectName(QStringLiteral("lblBUName"));
+    m_lvBU = new QTreeWidget(m_selectionFrame);
+    m_lvBU->setObjectName(QStringLiteral("lvBU"));
+    m_lvBU->setRootIsDecorated(false);
+    m_lvBU->setHeaderHidden(true);
+    m_lvBU->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_lvBU->setUniformRowHeights(true);
+    m_lvBU->setColumnCount(1);
+    m_unitsLabel->setBuddy(m_lvBU);
+    m_unitList = new UnitListPane(m_selectionFrame, m_lvBU, m_choice, caption);
 
-    lblProfile = namedLabel(fraDLV, "lblProfile");
-    lblCurrentProfile = namedLabel(fraDLV, "lblCurrentProfile");
-    QFont bold = lblCurrentProfile->font();
-    bold.setBold(true);
-    lblCurrentProfile->setFont(bold);
-    lblLastTime = namedLabel(fraDLV, "lblLastTime");
-    lblLastRefreshTime = namedLabel(fraDLV, "lblLastRefreshTime");
-    lblNextTime = namedLabel(fraDLV, "lblNextTime");
-    lblNextRefreshTime = namedLabel(fraDLV, "lblNextRefreshTime");
-    lblFreshness = namedLabel(fraDLV, "lblFreshness");
-    for (QLabel *l : {lblProfile, lblCurrentProfile, lblLastTime, lblLastRefreshTime, lblNextTime,
-                      lblNextRefreshTime, lblFreshness})
-        l->setVisible(false);
+    m_status = std::make_unique<StatusLine>(m_frame, caption);
+    m_options = new SelectionOptions(m_frame, m_choice);
+    m_panel = std::make_unique<PanelView>(m_options->frame(0));
+    m_options->createButtons();
+    m_views = std::make_unique<GridViews>(m_options->frame(0), m_options->frame(1), q, *this);
 
-    fraSelection = new QGroupBox(fraDLV);
-    fraSelection->setObjectName(QStringLiteral("fraSelection"));
-    lblBUName = namedLabel(fraSelection, "lblBUName");
-    lvBU = new QTreeWidget(fraSelection);
-    lvBU->setObjectName(QStringLiteral("lvBU"));
-    lvBU->setRootIsDecorated(false);
-    lvBU->setHeaderHidden(true);
-    lvBU->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    lvBU->setUniformRowHeights(true);
-    lvBU->setColumnCount(1);
-    lblBUName->setBuddy(lvBU);
-    unitList = new UnitListPane(fraSelection, lvBU, choice,
-                                [this](const QString &key) { return caption(key); });
+    m_fills = std::make_unique<ViewsController>(ViewsController::Parts{
+        *m_views, *m_panel, *m_options, *m_unitList, m_choice, *this, caption});
+    m_fills->setController(m_dlv.get());
+    m_details = std::make_unique<DrillDownRequests>(*m_views, m_panel->techCount(), *this,
+                                                    [this] { return drillDown(); });
+    m_output = std::make_unique<GridOutput>(
+        *m_views, *m_options, m_frame, q, [this]() -> DialogHost & { return dialogs(); }, caption);
+}
 
-    fraStatus = new QFrame(fraDLV);
-    fraStatus->setObjectName(QStringLiteral("fraStatus"));
-    lblStatus = namedLabel(fraStatus, "lblStatus");
-    lblStatus->setAlignment(Qt::AlignCenter);
-    QFont statusFont = lblStatus->font();
-    statusFont.setBold(true);
-    lblStatus->setFont(statusFont);
+void DLViewerPrivate::createProfiles()
+{
+    m_profileHost = std::make_unique<ProfileHostAdapter>(*this);
+    m_profileExchange = std::make_unique<ProfileExchange>(*m_profileHost);
+    m_toolbar->attachProfileMenu(*m_profileExchange);
+    m_fills->setProfiles(m_profileExchange.get());
+}
 
-    Tabs = new QTabBar(fraDLV);
-    Tabs->setObjectName(QStringLiteral("Tabs"));
-    Tabs->addTab(QString());
-    Tabs->addTab(QString());
-    Tabs->setDrawBase(false);
-    Tabs->setExpanding(false);
-
-    for (int i = 0; i < 2; ++i) {
-        fraBU[i] = new QFrame(fraDLV);
-        fraBU[i]->setObjectName(QStringLiteral("fraBU%1").arg(i));
-        fraBU[i]->setFrameShape(QFrame::StyledPanel);
-        fraBU[i]->setAutoFillBackground(true);
+void DLViewerPrivate::createLiveCues()
+{
+    LiveCues::Widgets w;
+    for (int i = 0; i < GridViews::kCount; ++i) {
+        w.views[std::size_t(i)] = m_views->view(i);
+        w.grids[std::size_t(i)] = &m_views->grid(i);
     }
-    createPanel(fraBU[0]);
-
-    lblDisplayBy = namedLabel(fraBU[1], "lblDisplayBy");
-    auto *displayGroup = new QButtonGroup(fraBU[1]);
-    for (int i = 0; i < 2; ++i) {
-        optDisplay[i] = new QRadioButton(fraBU[1]);
-        optDisplay[i]->setObjectName(QStringLiteral("optDisplay%1").arg(i));
-        displayGroup->addButton(optDisplay[i], i);
-    }
-    fraBU[1]->setVisible(false);
-    createGrids();
+    w.figures = m_panel->figures();
+    w.refreshTimes = m_topRow->refreshTimeLabels();
+    w.freshness = m_topRow->freshnessLabel();
+    w.relayoutTopRow = [this] { relayoutTopRow(); };
+    w.selectionContext = [this] { return m_fills->selectionContext(); };
+    m_liveCues = std::make_unique<LiveCues>(w, [this](const QString &key) { return caption(key); });
 }
 
-void DLViewerPrivate::createPanel(QFrame *frame)
+void DLViewerPrivate::connectParts()
 {
-    // Every figure of the panel starts at 0, right-aligned.
-    const auto figureLabel = [&](const char *name) {
-        QLabel *l = namedLabel(frame, name);
-        l->setText(QStringLiteral("0"));
-        l->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        return l;
+    // host -> DLViewer -> controller: the controller tells the control everything by signal.
+    cDLVController *dlv = m_dlv.get();
+    QObject::connect(dlv, &cDLVController::ShowStatus, q, [this](const QString &key, bool error) {
+        m_status->show(key, error);
+        m_liveCues->statusShown(key);
+    });
+    QObject::connect(dlv, &cDLVController::HideStatus, q, [this] { m_status->hide(); });
+    QObject::connect(dlv, &cDLVController::FillBUHierarchyGrid, m_fills.get(),
+                     &ViewsController::mDLV_FillBUHierarchyGrid);
+    QObject::connect(dlv, &cDLVController::FillSingleBUGrid, m_fills.get(),
+                     &ViewsController::mDLV_FillSingleBUGrid);
+    QObject::connect(
+        dlv, &cDLVController::RefreshTimesChanged, q,
+        [this](const QString &last, const QString &next) { showRefreshTimes(last, next); });
+
+    // The fills' steps, heard by the live options and the data controls.
+    LiveCues *cues = m_liveCues.get();
+    QObject::connect(m_fills.get(), &ViewsController::refreshStarted, cues,
+                     &LiveCues::refreshStarted);
+    QObject::connect(m_fills.get(), &ViewsController::panelWritten, cues, &LiveCues::panelWritten);
+    QObject::connect(m_fills.get(), &ViewsController::fillsEnded, cues, &LiveCues::fillsEnded);
+    QObject::connect(m_fills.get(), &ViewsController::summaryShown, q,
+                     [this] { EnableDataControls(true); });
+    // Queued: the point is added while a data message is still being handled, and a host that
+    // answers the signal with the next message must not re-enter that handling (a host that
+    // always does would otherwise recurse without end).
+    QObject::connect(cues, &LiveCues::trendChanged, q, &DLViewer::PanelTrendChanged,
+                     Qt::QueuedConnection);
+
+    // The user's requests.
+    QObject::connect(m_options, &SelectionOptions::viewClicked, m_fills.get(),
+                     &ViewsController::cmdView_Click);
+    QObject::connect(m_options, &SelectionOptions::displayChosen, q,
+                     [this](int index) { m_views->showDisplay(index); });
+    QObject::connect(m_toolbar, &ToolbarActions::buttonClicked, q,
+                     [this](const QString &key) { tbMain_ButtonClick(key); });
+    QObject::connect(m_details.get(), &DrillDownRequests::detailsRequested, q,
+                     &DLViewer::GetDetails);
+}
+
+DrillDown DLViewerPrivate::drillDown() const
+{
+    DrillDown::Sources sources;
+    sources.unitKeys = [this] {
+        QStringList keys;
+        const int count = m_choice.buListCount();
+        keys.reserve(count);
+        for (int i = 0; i < count; ++i)
+            keys.append(m_choice.buListKey(i));
+        return keys;
     };
-    const auto counter = [&](const char *figureName, QLabel *&figure) {
-        QLabel *heading = namedLabel(frame, (QByteArray(figureName) + "Caption").constData());
-        figure = figureLabel(figureName);
-        QFont f = figure->font();
-        f.setBold(true);
-        figure->setFont(f);
-        panelCounters.emplace_back(heading, figure);
+    sources.currentBUs = [this] { return m_fills->currentBUIds(); };
+    sources.buIdList = [this](const QString &buID) {
+        QStringList ids;
+        if (m_dlv)
+            for (const auto &entry : m_dlv->GetBUIDList(buID))
+                ids.append(entry.key);
+        return ids;
     };
-    counter("lblTechCount", lblTechCount);
-    counter("lblHrsWorked", lblHrsWorked);
-    counter("lblHrsRemaining", lblHrsRemaining);
-    counter("lblWODone", lblWODone);
-    counter("lblWOOpen", lblWOOpen);
-    counter("lblPtsDone", lblPtsDone);
-    counter("lblPtsOpen", lblPtsOpen);
-    // The technician count can be drilled into: show it as a link.
-    lblTechCount->setCursor(Qt::PointingHandCursor);
-    QFont link = lblTechCount->font();
-    link.setUnderline(true);
-    lblTechCount->setFont(link);
+    sources.jeopardyThreshold = [this] { return m_dlv ? m_dlv->JeopardyThreshold() : QString(); };
+    return DrillDown(std::move(sources));
+}
 
-    lblProdPerTech = namedLabel(frame, "lblProdPerTech");
-    lblToday = namedLabel(frame, "lblToday");
-    lblReqProd = namedLabel(frame, "lblReqProd");
-    lblWOsPerHr = namedLabel(frame, "lblWOsPerHr");
-    lblPtsPerHr = namedLabel(frame, "lblPtsPerHr");
-    for (QLabel *heading : {lblProdPerTech, lblToday, lblReqProd}) {
-        QFont f = heading->font();
-        f.setBold(true);
-        heading->setFont(f);
+// ----------------------------------------------------------------------------------------------
+// DLViewerPrivate: DLViewer's methods
+
+void DLViewerPrivate::initialize(const std::shared_ptr<QZWebTransport> &transport)
+{
+    setHourglass(true);
+    EnableDataControls(false);
+    m_toolbar->setHelpShown(false);
+    m_captions = std::make_unique<CaptionCatalogue>();
+    m_captions->attach(transport);
+    if (m_dlv)
+        m_dlv->Initialize(&m_choice);
+    resizeControls();
+    m_toolbar->setHelpShown(true);
+    SetCaptions();
+    m_status->show(QStringLiteral("msg-WaitingforDLVData"), false);
+    resizeControls(); // the captions changed the widths the top row and panel are laid out from
+}
+
+void DLViewerPrivate::setLanguage(const QString &languageID)
+{
+    if (m_dlv)
+        m_dlv->SetLanguageID(languageID);
+}
+
+void DLViewerPrivate::setSessionUnits(const QStringList &ids)
+{
+    StringSet &units = m_fills->newSessionUnits();
+    for (const QString &id : ids)
+        units.add(id, id); // a repeated id throws to the host, by design
+    if (!m_profileExchange)
+        return;
+    m_profileExchange->clearProfilesLoaded();
+    m_profileExchange->GetProfileList();
+}
+
+void DLViewerPrivate::stop()
+{
+    EnableDataControls(false);
+    m_toolbar->setHelpShown(false);
+    m_captions.reset();
+    if (m_dlv) {
+        m_dlv->Release();
+        m_dlv.reset();
     }
-    const auto rate = [&](const char *name) {
-        QLabel *l = figureLabel(name);
-        l->setFrameShape(QFrame::StyledPanel);
-        return l;
-    };
-    lblWOsPerHrToday = rate("lblWOsPerHrToday");
-    lblWOsPerHrReq = rate("lblWOsPerHrReq");
-    lblPtsPerHrToday = rate("lblPtsPerHrToday");
-    lblPtsPerHrReq = rate("lblPtsPerHrReq");
-
-    auto *summaryGroup = new QButtonGroup(frame);
-    for (int i = 0; i < 2; ++i) {
-        optBU[i] = new QRadioButton(frame);
-        optBU[i]->setObjectName(QStringLiteral("optBU%1").arg(i));
-        summaryGroup->addButton(optBU[i], i);
-    }
-    cmdView = new QPushButton(frame);
-    cmdView->setObjectName(QStringLiteral("cmdView"));
-    cmdView->setDefault(false);
+    m_fills->release();
+    if (m_profileExchange)
+        m_profileExchange->StopControl();
 }
 
-double DLViewerPrivate::twipsPerPixelX() const
+void DLViewerPrivate::receiveProfileResponse(QString &resultXML, QString &functionName)
 {
-    return 1440.0 / q->logicalDpiX();
+    if (m_profileExchange)
+        m_profileExchange->ReceiveProfileResponse(resultXML, functionName);
 }
 
-double DLViewerPrivate::twipsPerPixelY() const
+bool DLViewerPrivate::exportGrid(const QString &fileName)
 {
-    return 1440.0 / q->logicalDpiY();
+    return m_output->exportGrid(fileName);
 }
 
-QString DLViewerPrivate::caption(const QString &key) const
+bool DLViewerPrivate::printGrid(QPrinter &printer)
 {
-    return captions ? captions->caption(key) : QString();
+    return m_output->printGrid(printer);
 }
 
-void DLViewerPrivate::showRefreshTimes(const QString &last, const QString &next)
+void DLViewerPrivate::setUnitTreeShown(bool on)
 {
-    lblLastRefreshTime->setText(last);
-    lblNextRefreshTime->setText(next);
-    for (QLabel *label : {lblLastTime, lblLastRefreshTime, lblNextTime, lblNextRefreshTime})
-        label->setVisible(true);
-    relayoutTopRow();
-    if (mDLV && liveCues)
-        liveCues->refreshTimesWritten(mDLV->LastRefresh(), mDLV->NextRefresh());
+    m_unitList->setTreeShown(on);
+    resizeControls(); // the filter row takes room from the list, or gives it back
 }
 
-void DLViewerPrivate::relayoutTopRow()
-{
-    // The refresh-time labels change with every data message and their widths decide the top
-    // row; laying out those few labels again is cheap.
-    int top = kMargin;
-    layoutTopRow(q->width(), top);
-}
-
-// --- ErrorReporter
+// ----------------------------------------------------------------------------------------------
+// DLViewerPrivate: shared operations
 
 void DLViewerPrivate::reportError(qint32 number, const QString &description,
                                   const QString &location)
 {
-    m_errorReport->setCaptions(captions.get());
+    m_errorReport->setCaptions(m_captions.get());
     m_errorReport->reportError(number, description, location);
 }
 
@@ -342,40 +306,16 @@ void DLViewerPrivate::setDialogHost(std::unique_ptr<DialogHost> host)
     m_errorReport->setDialogHost(m_dialogs.get());
 }
 
-// --- shared operations
-
 void DLViewerPrivate::ClientReady()
 {
     QString params = QStringLiteral("ClientReady");
     Q_EMIT q->PostRequest(params);
 }
 
-void DLViewerPrivate::ShowStatus(const QString &messageKey, bool error)
-{
-    lblStatus->setText(caption(messageKey));
-    QPalette pal = lblStatus->palette();
-    pal.setColor(QPalette::WindowText, error ? kStatusRed : kStatusBlue);
-    lblStatus->setPalette(pal);
-    lblStatus->setVisible(true);
-}
-
-void DLViewerPrivate::HideStatus()
-{
-    lblStatus->clear();
-    QPalette pal = lblStatus->palette();
-    pal.setColor(QPalette::WindowText, kStatusBlue);
-    lblStatus->setPalette(pal);
-    lblStatus->setVisible(false);
-}
-
 void DLViewerPrivate::EnableDataControls(bool enabled)
 {
-    cmdView->setEnabled(enabled);
-    btnSaveGrid->setVisible(enabled);
-    btnPrintGrid->setVisible(enabled);
-    btnProfiles->setVisible(enabled);
-    for (QAction *separator : dataSeparators)
-        separator->setVisible(enabled); // no lone separator before Help while they are hidden
+    m_options->setViewEnabled(enabled);
+    m_toolbar->setDataButtonsShown(enabled);
 }
 
 void DLViewerPrivate::setHourglass(bool busy)
@@ -386,61 +326,139 @@ void DLViewerPrivate::setHourglass(bool busy)
         q->unsetCursor();
 }
 
+void DLViewerPrivate::showCurrentProfile(const QString &name)
+{
+    m_topRow->showCurrentProfile(name);
+    resizeControls(); // the top row is laid out from the labels' widths
+}
+
+void DLViewerPrivate::showRefreshTimes(const QString &last, const QString &next)
+{
+    m_topRow->showRefreshTimes(last, next);
+    relayoutTopRow();
+    if (m_dlv)
+        m_liveCues->refreshTimesWritten(m_dlv->LastRefresh(), m_dlv->NextRefresh());
+}
+
+double DLViewerPrivate::twipsPerPixelX() const
+{
+    return m_views->twipsPerPixelX();
+}
+
+QString DLViewerPrivate::caption(const QString &key) const
+{
+    return m_captions ? m_captions->caption(key) : QString();
+}
+
 void DLViewerPrivate::SetCaptions()
 {
-    unitList->setCaptions();
-    btnSaveGrid->setToolTip(caption(QStringLiteral("SaveGrid")));
-    btnSaveGrid->setText(btnSaveGrid->toolTip());
-    btnPrintGrid->setToolTip(caption(QStringLiteral("PrintGrid")));
-    btnPrintGrid->setText(btnPrintGrid->toolTip());
-    btnProfiles->setToolTip(caption(QStringLiteral("Profiles")));
-    btnProfiles->setText(btnProfiles->toolTip());
-    btnHelp->setToolTip(caption(QStringLiteral("AboutDLV")));
-    btnHelp->setText(btnHelp->toolTip());
-    mnuSaveProfile->setText(caption(QStringLiteral("SaveCurrentProfile")));
-    mnuSaveProfileAs->setText(caption(QStringLiteral("SaveCurrentProfileAs")));
-    mnuManage->setText(caption(QStringLiteral("ManageProfiles")));
-    mnuUse->setTitle(caption(QStringLiteral("UseProfile")));
-    const QString summary = caption(QStringLiteral("BUSummary"));
-    Tabs->setTabText(0, summary);
-    Tabs->setTabToolTip(0, summary);
-    const QString hierarchy = caption(QStringLiteral("BUHierarchy"));
-    Tabs->setTabText(1, hierarchy);
-    Tabs->setTabToolTip(1, hierarchy);
-    lblBUName->setText(caption(QStringLiteral("BusinessUnits")) + QStringLiteral(" :"));
-    lblLastTime->setText(caption(QStringLiteral("LastRefreshTime")) + QStringLiteral(" :"));
-    lblNextTime->setText(caption(QStringLiteral("NextRefreshTime")) + QStringLiteral(" :"));
-    lblProfile->setText(caption(QStringLiteral("CurrentProfile")) + QStringLiteral(" : "));
-    fraSelection->setTitle(caption(QStringLiteral("SelectionCriteria")));
-    cmdView->setText(caption(QStringLiteral("View")));
-    optBU[0]->setProperty("fullText", caption(QStringLiteral("ShowSummary")));
-    optBU[1]->setProperty("fullText", caption(QStringLiteral("ShowAggregateSummary")));
-    for (QRadioButton *opt : optBU)
-        opt->setText(opt->property("fullText").toString());
-    const auto heading = [this](QLabel *figure) {
-        for (const auto &[h, f] : panelCounters)
-            if (f == figure)
-                return h;
-        return static_cast<QLabel *>(nullptr);
-    };
-    setFullText(heading(lblTechCount), caption(QStringLiteral("TechCount")));
-    const QString viewTech = caption(QStringLiteral("ViewTechCount"));
-    lblTechCount->setToolTip(viewTech);
-    heading(lblTechCount)->setToolTip(viewTech);
-    setFullText(heading(lblHrsWorked), caption(QStringLiteral("HoursWorked")));
-    setFullText(heading(lblHrsRemaining), caption(QStringLiteral("HoursRemaining")));
-    setFullText(heading(lblWODone), caption(QStringLiteral("WODone")));
-    setFullText(heading(lblWOOpen), caption(QStringLiteral("WOOpen")));
-    setFullText(heading(lblPtsDone), caption(QStringLiteral("PointsDone")));
-    setFullText(heading(lblPtsOpen), caption(QStringLiteral("PointsOpen")));
-    setFullText(lblProdPerTech, caption(QStringLiteral("ProductivityPerTech")));
-    setFullText(lblToday, caption(QStringLiteral("CurrentProductivity")));
-    setFullText(lblReqProd, caption(QStringLiteral("RequiredProductivity")));
-    setFullText(lblWOsPerHr, caption(QStringLiteral("WOsPerHour")));
-    setFullText(lblPtsPerHr, caption(QStringLiteral("PtsPerHour")));
-    lblDisplayBy->setText(caption(QStringLiteral("DisplayBy")));
-    optDisplay[0]->setText(caption(QStringLiteral("WorkOrders")));
-    optDisplay[1]->setText(caption(QStringLiteral("Points")));
+    const auto caption = [this](const QString &key) { return this->caption(key); };
+    m_unitList->setCaptions();
+    m_toolbar->setCaptions(caption);
+    m_options->setCaptions(caption);
+    m_unitsLabel->setText(this->caption(QStringLiteral("BusinessUnits")) + QStringLiteral(" :"));
+    m_topRow->setCaptions(caption);
+    m_selectionFrame->setTitle(this->caption(QStringLiteral("SelectionCriteria")));
+    m_panel->setCaptions(caption);
+}
+
+void DLViewerPrivate::tbMain_ButtonClick(const QString &key)
+{
+    if (key == QLatin1String("SaveGrid"))
+        m_output->SaveGrid(m_options->currentGridIndex());
+    else if (key == QLatin1String("PrintGrid"))
+        m_output->PrintGrid(m_options->currentGridIndex());
+    else if (key == QLatin1String("Profiles"))
+        m_toolbar->showProfileMenu(); // the profile subsystem rebuilds it as it is about to show
+    else if (key == QLatin1String("Help"))
+        showAbout();
+}
+
+void DLViewerPrivate::showAbout()
+{
+    const QString language = m_dlv ? m_dlv->LanguageID() : QString();
+    dialogs().showAbout(caption(QStringLiteral("AboutDLV")), AboutInfo::productName(),
+                        AboutInfo::description(language), AboutInfo::comments(),
+                        AboutInfo::rights(language), AboutInfo::versionText(),
+                        caption(QStringLiteral("Version")), m_frame);
+}
+
+// ----------------------------------------------------------------------------------------------
+// DLViewerPrivate: layout
+
+void DLViewerPrivate::resizeControls()
+{
+    const int w = q->width();
+    const int h = q->height();
+    m_frame->setGeometry(0, 0, w, h);
+
+    int top = m_topRow->layout(m_toolbar->toolBar(), w, kMargin);
+
+    // Selection column on the left, the tab strip with its two frames on the right.
+    const int selectionWidth = std::clamp(w / 5, 190, 300);
+    m_selectionFrame->setGeometry(kMargin, top, selectionWidth, std::max(60, h - top - kMargin));
+    const QRect sel = m_selectionFrame->contentsRect();
+    const int labelTop = sel.top() + 2;
+    m_unitsLabel->setGeometry(sel.left() + 6, labelTop, sel.width() - 12,
+                              m_unitsLabel->sizeHint().height());
+    const int listTop = m_unitsLabel->geometry().bottom() + 4;
+    m_unitList->layout(
+        QRect(sel.left() + 6, listTop, sel.width() - 12, std::max(40, sel.bottom() - listTop - 6)));
+
+    const int right = kMargin + selectionWidth + 6;
+    const int rightWidth = std::max(100, w - right - kMargin);
+    const int statusHeight = m_status->heightHint();
+    m_status->setFrameGeometry(QRect(right, top, rightWidth, statusHeight));
+    top += statusHeight;
+
+    const int tabHeight = m_options->tabs()->sizeHint().height();
+    m_options->layoutTabs(
+        QRect(right, top, rightWidth, tabHeight),
+        QRect(right, top + tabHeight - 1, rightWidth, std::max(60, h - top - tabHeight - kMargin)));
+
+    // The first layout lays out the empty grids with their captions, so it waits for the
+    // caption catalogue: a host may show (and so resize) the control before Initialize.
+    if (!m_firstLayoutDone && m_captions) {
+        const auto caption = [this](const QString &key) { return this->caption(key); };
+        m_status->clearText();
+        m_choice.setByWorkOrders(true);
+        m_choice.setSingleUnits(true);
+        m_views->InitSingleBUGrid(caption);
+        m_views->InitBUHierarchyGrid(1, caption);
+        m_views->InitBUHierarchyGrid(2, caption);
+        m_firstLayoutDone = true;
+    }
+    // The width the panel and the grid columns share is what the summary frame leaves for the
+    // grid: its contents less the grid's frame and room for a vertical scroll bar, so that the
+    // columns (just under the whole width together) never push a horizontal scroll bar out.
+    const OutlineGridView *summary = m_views->view(0);
+    const int usable = m_options->frame(0)->contentsRect().width() - 4 - 2 * summary->frameWidth() -
+                       summary->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    layoutPanel(usable);
+    m_views->layout();
+    for (int i = 0; i < GridViews::kCount; ++i)
+        m_views->FitGridHeight(i);
+}
+
+void DLViewerPrivate::relayoutTopRow()
+{
+    // The refresh-time labels change with every data message and their widths decide the top
+    // row; laying out those few labels again is cheap.
+    (void)m_topRow->layout(m_toolbar->toolBar(), q->width(), kMargin);
+}
+
+void DLViewerPrivate::layoutPanel(int frameWidth)
+{
+    const double p = twipsPerPixelX();
+    const PanelLayout::Result r =
+        PanelLayout::compute(frameWidth * p, m_status->labelWidth() * p, p);
+    const auto px = [p](double twips) { return int(std::lround(twips / p)); };
+    m_views->setColumnWidths(frameWidth * p);
+    m_status->fitLabel();
+    m_panel->layout(r, px);
+    m_options->layoutSummaryOptions(r, px);
+    const int hierarchyTop = m_options->layoutDisplayRow();
+    m_views->setTops(PanelView::bottom(), hierarchyTop);
 }
 
 // ----------------------------------------------------------------------------------------------
@@ -458,56 +476,29 @@ void DLViewer::ReceiveMessage(QVariant &data, const QVariant &DataType, const QV
 {
     const qint32 dataType = variantToLong(DataType);
     const QString tag = variantToString(Tag);
-    if (!d->mDLV)
-        return; // stopped: nothing listens any more
-    d->mDLV->ReceiveMessage(data, dataType, tag);
+    if (cDLVController *controller = d->controller())
+        controller->ReceiveMessage(data, dataType, tag);
+    // else stopped: nothing listens any more
 }
 
 void DLViewer::Initialize(const std::shared_ptr<QZWebTransport> &Trans)
 {
-    d->setHourglass(true);
-    d->EnableDataControls(false);
-    d->btnHelp->setVisible(false);
-    d->captions = std::make_unique<CaptionCatalogue>();
-    d->captions->attach(Trans);
-    if (d->mDLV)
-        d->mDLV->Initialize(&d->choice);
-    ResizeControls();
-    d->btnHelp->setVisible(true);
-    d->SetCaptions();
-    d->ShowStatus(QStringLiteral("msg-WaitingforDLVData"), false);
-    ResizeControls(); // the captions changed the widths the top row and panel are laid out from
+    d->initialize(Trans);
 }
 
 void DLViewer::SetRegionalFormatInfo(QString &LanguageID)
 {
-    if (d->mDLV)
-        d->mDLV->SetLanguageID(LanguageID);
+    d->setLanguage(LanguageID);
 }
 
 void DLViewer::SetSessionBUIDList(QStringList &BUList)
 {
-    d->sessionBUs = std::make_unique<StringSet>();
-    for (const QString &id : BUList)
-        d->sessionBUs->add(id, id); // a repeated id throws to the host, by design
-    d->requestProfileList();
+    d->setSessionUnits(BUList);
 }
 
 void DLViewer::StopControl()
 {
-    d->EnableDataControls(false);
-    d->btnHelp->setVisible(false);
-    d->captions.reset();
-    if (d->mDLV) {
-        d->mDLV->Release();
-        d->mDLV.reset();
-    }
-    d->sessionBUs.reset();
-    if (d->profileExchange)
-        d->profileExchange->StopControl();
-    for (auto &list : d->collapsedLists)
-        list.reset();
-    d->stopped = true;
+    d->stop();
 }
 
 void DLViewer::ReceiveProfileResponse(QString &ResultXML, QString &FunctionName)
@@ -529,12 +520,12 @@ DLVGrid DLViewer::Grid(DLVGrid::Element element) const
 {
     if (element < DLVGrid::Summary || element > DLVGrid::HierarchyPoints)
         return {};
-    return DLVGrid(&d->grids[std::size_t(element)]);
+    return DLVGrid(&d->views().grid(int(element)));
 }
 
 QString DLViewer::PanelText(PanelFigure figure) const
 {
-    const auto labels = d->panelFigures();
+    const auto &labels = d->panel().figures();
     const auto i = std::size_t(figure);
     return i < labels.size() && labels[i] ? labels[i]->text() : QString();
 }
@@ -547,204 +538,53 @@ void DLViewer::resizeEvent(QResizeEvent *event)
 
 void DLViewer::ResizeControls()
 {
-    if (!d->fraDLV)
-        return;
-    const int w = width();
-    const int h = height();
-    d->fraDLV->setGeometry(0, 0, w, h);
-
-    int top = kMargin;
-    d->layoutTopRow(w, top);
-
-    // Selection column on the left, the tab strip with its two frames on the right.
-    const int selectionWidth = std::clamp(w / 5, 190, 300);
-    d->fraSelection->setGeometry(kMargin, top, selectionWidth, std::max(60, h - top - kMargin));
-    const QRect sel = d->fraSelection->contentsRect();
-    const int labelTop = sel.top() + 2;
-    d->lblBUName->setGeometry(sel.left() + 6, labelTop, sel.width() - 12,
-                              d->lblBUName->sizeHint().height());
-    const int listTop = d->lblBUName->geometry().bottom() + 4;
-    d->unitList->layout(
-        QRect(sel.left() + 6, listTop, sel.width() - 12, std::max(40, sel.bottom() - listTop - 6)));
-
-    const int right = kMargin + selectionWidth + 6;
-    const int rightWidth = std::max(100, w - right - kMargin);
-    const int statusHeight = d->lblStatus->sizeHint().height() + 6;
-    d->fraStatus->setGeometry(right, top, rightWidth, statusHeight);
-    top += statusHeight;
-
-    const int tabHeight = d->Tabs->sizeHint().height();
-    d->Tabs->setGeometry(right, top, rightWidth, tabHeight);
-    const QRect client(right, top + tabHeight - 1, rightWidth,
-                       std::max(60, h - top - tabHeight - kMargin));
-    for (QFrame *frame : d->fraBU) {
-        frame->setGeometry(client);
-        frame->raise();
-    }
-    d->Tabs->raise();
-
-    // The first layout lays out the empty grids with their captions, so it waits for the
-    // caption catalogue: a host may show (and so resize) the control before Initialize.
-    if (!d->firstLayoutDone && d->captions) {
-        d->lblStatus->clear();
-        d->choice.setByWorkOrders(true);
-        d->choice.setSingleUnits(true);
-        d->InitSingleBUGrid();
-        d->InitBUHierarchyGrid(1);
-        d->InitBUHierarchyGrid(2);
-        d->firstLayoutDone = true;
-    }
-    // The width the panel and the grid columns share is what the summary frame leaves for the
-    // grid: its contents less the grid's frame and room for a vertical scroll bar, so that the
-    // columns (just under the whole width together) never push a horizontal scroll bar out.
-    const int usable = d->fraBU[0]->contentsRect().width() - 4 - 2 * d->vsFlex[0]->frameWidth() -
-                       d->vsFlex[0]->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-    d->layoutPanel(usable);
-    d->layoutGrids();
-    for (int i = 0; i < 3; ++i)
-        d->FitGridHeight(i);
-}
-
-void DLViewerPrivate::layoutTopRow(int width, int &top)
-{
-    int infoWidth = 0;
-    for (QLabel *l : {lblProfile, lblCurrentProfile, lblLastTime, lblLastRefreshTime, lblNextTime,
-                      lblNextRefreshTime, lblFreshness})
-        if (!l->isHidden())
-            infoWidth += l->sizeHint().width() + 10;
-    // Text beside the icons while the row has room for it and the profile and refresh times;
-    // icons with tool tips otherwise, as compact toolbars do.
-    tbMain->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    if (tbMain->sizeHint().width() + infoWidth + 3 * kMargin > width)
-        tbMain->setToolButtonStyle(Qt::ToolButtonIconOnly);
-    const int toolbarHeight = std::max(30, tbMain->sizeHint().height());
-    tbMain->setGeometry(kMargin, top, tbMain->sizeHint().width(), toolbarHeight);
-
-    // Profile and refresh times read from the right edge: "Current profile : X   Last ... Next
-    // ...".
-    int x = width - kMargin;
-    const auto place = [&](QLabel *label, int gap) {
-        const int lw = label->sizeHint().width();
-        x -= lw;
-        label->setGeometry(x, top + (toolbarHeight - label->sizeHint().height()) / 2, lw,
-                           label->sizeHint().height());
-        x -= gap;
-    };
-    if (!lblFreshness->isHidden())
-        place(lblFreshness, 12);
-    place(lblNextRefreshTime, 4);
-    place(lblNextTime, 16);
-    place(lblLastRefreshTime, 4);
-    place(lblLastTime, 16);
-    place(lblCurrentProfile, 4);
-    place(lblProfile, 0);
-    top += toolbarHeight + 2;
-}
-
-void DLViewerPrivate::layoutPanel(int frameWidth)
-{
-    const double p = twipsPerPixelX();
-    const PanelLayout::Result r = PanelLayout::compute(frameWidth * p, lblStatus->width() * p, p);
-    const auto px = [p](double twips) { return int(std::lround(twips / p)); };
-    const int w = px(r.width);
-    setGridColumnWidths(frameWidth * p);
-
-    lblStatus->setGeometry(0, 0, fraStatus->width(), fraStatus->height());
-    // Headings keep their column; a caption longer than the column is shortened with an
-    // ellipsis and shown whole in its tool tip (the figures below it stay aligned).
-    const auto fit = [](QLabel *label, int width) {
-        const QString full = label->property("fullText").toString();
-        const QString shown =
-            label->fontMetrics().elidedText(full, Qt::ElideRight, std::max(20, width));
-        label->setText(shown);
-        label->setToolTip(shown == full ? QString() : full);
-    };
-
-    // Counters: two heading/figure column pairs in the left part of the panel.
-    const int rowTop = 6;
-    const auto rowY = [&](int row) { return rowTop + row * kPanelRowHeight; };
-    const int pairWidth = int(w * 0.215);
-    const int figureWidth = std::min(70, pairWidth / 3);
-    for (std::size_t i = 0; i < panelCounters.size(); ++i) {
-        const int column = i < 3 ? 0 : 1;
-        const int row = i < 3 ? int(i) : int(i) - 3;
-        const int x = 8 + column * (pairWidth + 6);
-        auto [heading, figure] = panelCounters[i];
-        fit(heading, pairWidth - figureWidth - 4);
-        heading->setGeometry(x, rowY(row), pairWidth - figureWidth - 4, kPanelRowHeight);
-        figure->setGeometry(x + pairWidth - figureWidth, rowY(row), figureWidth, kPanelRowHeight);
-    }
-
-    const int optWidth = px(r.lblProdPerTechLeft - r.optBULeft) - 6;
-    for (int i = 0; i < 2; ++i) {
-        QRadioButton *opt = optBU[i];
-        const QString full = opt->property("fullText").toString();
-        // The option's column is a fixed share of the width; a long caption is shortened with an
-        // ellipsis and shown whole in the tool tip rather than run under the next column.
-        const int textRoom =
-            optWidth - opt->style()->pixelMetric(QStyle::PM_ExclusiveIndicatorWidth) - 8;
-        const QString shown =
-            opt->fontMetrics().elidedText(full, Qt::ElideRight, std::max(20, textRoom));
-        opt->setText(shown);
-        opt->setToolTip(shown == full ? QString() : full);
-        opt->setGeometry(px(r.optBULeft), rowY(i), optWidth, kPanelRowHeight);
-    }
-
-    const int headWidth = px(r.lblWOsPerHrTodayLeft - r.lblProdPerTechLeft) - 4;
-    const auto place = [&](QLabel *label, int x, int y, int width) {
-        fit(label, width);
-        label->setGeometry(x, y, width, kPanelRowHeight);
-    };
-    place(lblProdPerTech, px(r.lblProdPerTechLeft), rowY(0),
-          px(r.lblTodayLeft - r.lblProdPerTechLeft) - 4);
-    place(lblToday, px(r.lblTodayLeft), rowY(0), px(r.lblReqProdLeft - r.lblTodayLeft) - 4);
-    place(lblReqProd, px(r.lblReqProdLeft), rowY(0), w - px(r.lblReqProdLeft) - 4);
-    place(lblWOsPerHr, px(r.lblWOsPerHrLeft), rowY(1), headWidth);
-    place(lblPtsPerHr, px(r.lblPtsPerHrLeft), rowY(2), headWidth);
-    const int figureW = px(r.lblWOsPerHrReqLeft - r.lblWOsPerHrTodayLeft) - 8;
-    lblWOsPerHrToday->setGeometry(px(r.lblWOsPerHrTodayLeft), rowY(1) + 1, figureW,
-                                  kPanelRowHeight - 2);
-    lblPtsPerHrToday->setGeometry(px(r.lblPtsPerHrTodayLeft), rowY(2) + 1, figureW,
-                                  kPanelRowHeight - 2);
-    lblWOsPerHrReq->setGeometry(px(r.lblWOsPerHrReqLeft), rowY(1) + 1, figureW,
-                                kPanelRowHeight - 2);
-    lblPtsPerHrReq->setGeometry(px(r.lblPtsPerHrReqLeft), rowY(2) + 1, figureW,
-                                kPanelRowHeight - 2);
-    cmdView->setGeometry(px(r.cmdViewLeft), rowY(3) + 2, std::max(90, cmdView->sizeHint().width()),
-                         26);
-
-    gridTop[0] = rowY(kPanelRows) + 8;
-
-    // Hierarchy frame: the display option row.
-    int x = 8;
-    const int optTop = 6;
-    lblDisplayBy->setGeometry(x, optTop, lblDisplayBy->sizeHint().width(), kPanelRowHeight);
-    x += lblDisplayBy->sizeHint().width() + 12;
-    for (QRadioButton *opt : optDisplay) {
-        opt->setGeometry(x, optTop, opt->sizeHint().width(), kPanelRowHeight);
-        x += opt->sizeHint().width() + 12;
-    }
-    gridTop[1] = gridTop[2] = optTop + kPanelRowHeight + 8;
-}
-
-void DLViewerPrivate::layoutGrids()
-{
-    for (int i = 0; i < 3; ++i) {
-        QFrame *frame = fraBU[i == 0 ? 0 : 1];
-        const QRect inner = frame->contentsRect();
-        // The height is fitted to the rows afterwards; start from what the frame can hold.
-        vsFlex[i]->setGeometry(inner.left() + 2, gridTop[i], inner.width() - 4,
-                               std::max(40, inner.bottom() - gridTop[i] - 2));
-    }
+    if (d) // not while the control is being created
+        d->resizeControls();
 }
 
 void DLViewer::SetUnitTreeShown(bool on)
 {
-    d->unitList->setTreeShown(on);
-    ResizeControls(); // the filter row takes room from the list, or gives it back
+    d->setUnitTreeShown(on);
 }
 
 bool DLViewer::UnitTreeShown() const
 {
-    return d->unitList->treeShown();
+    return d->unitList().treeShown();
+}
+
+// The live options over the figures (LiveCues), all off at creation.
+
+void DLViewer::SetFreshnessShown(bool on)
+{
+    d->liveCues().setFreshnessShown(on);
+}
+
+bool DLViewer::FreshnessShown() const
+{
+    return d->liveCues().freshnessShown();
+}
+
+void DLViewer::SetChangeCuesShown(bool on)
+{
+    d->liveCues().setChangeCuesShown(on);
+}
+
+bool DLViewer::ChangeCuesShown() const
+{
+    return d->liveCues().changeCuesShown();
+}
+
+void DLViewer::SetExceptionsShown(bool on)
+{
+    d->liveCues().setExceptionsShown(on);
+}
+
+bool DLViewer::ExceptionsShown() const
+{
+    return d->liveCues().exceptionsShown();
+}
+
+QList<PanelTrendPoint> DLViewer::PanelTrend() const
+{
+    return d->liveCues().trend().points();
 }

@@ -1,17 +1,15 @@
 #include "control/profilehostadapter.h"
 
-#include "common/displaytext.h"
+#include "control/dlviewer.h"
 #include "control/dlviewer_p.h"
-#include "control/unitlistpane.h"
-#include "model/cdlvcontroller.h"
-#include "ui/captioncatalogue.h"
+#include "control/gridviews.h"
+#include "control/viewscontroller.h"
 
 #include <QFrame>
-#include <QLabel>
 
 void ProfileHostAdapter::raiseProfileRequest(Request request, DLVParams &params)
 {
-    DLViewer *q = d.q;
+    DLViewer *q = d.viewer();
     switch (request) {
     case Request::GetProfileList:
         Q_EMIT q->GetProfileList(params);
@@ -46,56 +44,49 @@ void ProfileHostAdapter::ClientReady()
 
 ViewChoice &ProfileHostAdapter::viewChoice()
 {
-    return d.choice;
+    return d.choice();
 }
 
 bool ProfileHostAdapter::hierarchyGridsFilled() const
 {
-    return d.hierarchyFilled();
+    return d.fills().hierarchyFilled();
 }
 
 StringSet ProfileHostAdapter::collapsedList(int gridIndex)
 {
     StringSet list;
-    d.SaveCollapsedList(gridIndex, list);
+    d.views().SaveCollapsedList(gridIndex, list);
     return list;
 }
 
 void ProfileHostAdapter::expandAll(int gridIndex)
 {
-    d.ExpandNodes(gridIndex);
+    d.views().ExpandNodes(gridIndex);
 }
 
 void ProfileHostAdapter::collapse(int gridIndex, const StringSet &keys)
 {
-    d.RestoreCollapsedList(gridIndex, keys);
+    d.views().RestoreCollapsedList(gridIndex, keys);
 }
 
 void ProfileHostAdapter::showCurrentProfile(const QString &name)
 {
-    d.lblCurrentProfile->setText(DisplayText::shown(name));
-    d.lblCurrentProfile->setToolTip(DisplayText::toolTip(name));
-    d.lblCurrentProfile->setVisible(true);
-    d.lblProfile->setVisible(true);
-    d.q->ResizeControls(); // the top row is laid out from the labels' widths
+    d.showCurrentProfile(name);
 }
 
 void ProfileHostAdapter::rerunView()
 {
-    d.cmdView_Click();
+    d.fills().cmdView_Click();
 }
 
 void ProfileHostAdapter::profileReplaced()
 {
-    d.ProfileSettingsLoaded = false;
-    // Apply the new profile now rather than at the next data refresh, when there are data.
-    if (d.mDLV && d.hierarchyFilled())
-        d.mDLV->FillSingleBU();
+    d.fills().profileReplaced();
 }
 
 const CaptionCatalogue *ProfileHostAdapter::captions() const
 {
-    return d.captions.get();
+    return d.captions();
 }
 
 DialogHost &ProfileHostAdapter::dialogs()
@@ -105,7 +96,7 @@ DialogHost &ProfileHostAdapter::dialogs()
 
 QWidget *ProfileHostAdapter::ownerFrame() const
 {
-    return d.fraDLV;
+    return d.frame();
 }
 
 ErrorReporter &ProfileHostAdapter::errorReporter()

@@ -2,13 +2,24 @@
 
 #include "control/dlviewer.h"
 #include "control/dlviewer_p.h"
+#include "control/drilldownrequests.h"
+#include "control/gridoutput.h"
+#include "control/gridviews.h"
+#include "control/livecues.h"
+#include "control/panelview.h"
+#include "control/selectionoptions.h"
+#include "control/statusline.h"
+#include "control/toolbaractions.h"
+#include "control/toprow.h"
 #include "control/unitlistpane.h"
+#include "control/viewscontroller.h"
 #include "model/dlvdatabuilder.h"
 #include "scriptedhost.h"
 #include "support/recordingdialoghost.h"
 #include "views/outlinegridview.h"
 #include "webdata/qzwebtransport.h"
 
+#include <QCoreApplication>
 #include <QLabel>
 #include <QRadioButton>
 #include <QTabBar>
@@ -82,7 +93,7 @@ protected:
     {
         start(sampleData(), {"N", "E", "S"});
         select({"_N", "_S"});
-        d().cmdView_Click();
+        d().fills().cmdView_Click();
         send(sampleData());
         viewer->show();
     }
@@ -90,26 +101,27 @@ protected:
     /// Brings grid `index` into view: 0 the summary, 1 and 2 the hierarchy by work orders, points.
     OutlineGridView *showGrid(int index)
     {
-        d().Tabs->setCurrentIndex(index == 0 ? 0 : 1);
+        d().options().tabs()->setCurrentIndex(index == 0 ? 0 : 1);
         if (index > 0)
-            d().optDisplay[size_t(index - 1)]->click();
-        return d().vsFlex[size_t(index)];
+            d().options().displayOption(index - 1)->click();
+        return d().views().view(index);
     }
 
     QStringList listKeys(bool selectedOnly)
     {
         QStringList out;
-        for (int i = 0; i < d().buListCount(); ++i)
-            if (!selectedOnly || d().buListSelected(i))
-                out << d().buListKey(i);
+        const ViewChoice &choice = d().choice();
+        for (int i = 0; i < choice.buListCount(); ++i)
+            if (!selectedOnly || choice.buListSelected(i))
+                out << choice.buListKey(i);
         return out;
     }
 
     /// Selects exactly the unit-list entries whose keys are given ("_" and the unit id).
     void select(const QStringList &keys)
     {
-        for (int i = 0; i < d().buListCount(); ++i)
-            d().unitList->setSelected(i, keys.contains(d().buListKey(i)));
+        for (int i = 0; i < d().choice().buListCount(); ++i)
+            d().unitList().setSelected(i, keys.contains(d().choice().buListKey(i)));
     }
 
     template <typename T = QWidget> T *child(const char *name)

@@ -23,7 +23,7 @@ TEST_F(DLViewerShell, InitializeShowsTheWaitingStatusAndCaptionsInTheTransportLa
         SCOPED_TRACE(language);
         SetUp();
         initialize(QString::fromLatin1(language));
-        const CaptionCatalogue &cat = *d().captions;
+        const CaptionCatalogue &cat = *d().captions();
         auto *status = child<QLabel>("lblStatus");
         EXPECT_TRUE(status->isVisibleTo(viewer.get()));
         EXPECT_EQ(status->text(), cat.caption(QStringLiteral("msg-WaitingforDLVData")));
@@ -66,7 +66,7 @@ TEST_F(DLViewerShell, SessionUnitsRaiseTheProfileListRequestUnlessAnIdRepeats)
         // A repeated id is an error of the call; the units before it are kept.
         EXPECT_EQ(error, ids.isEmpty() ? 0 : DLVError::DuplicateKey);
         EXPECT_EQ(raised, ids.isEmpty() ? 1 : 0);
-        EXPECT_EQ(d().sessionBUs->count(), ids.isEmpty() ? 0 : 2);
+        EXPECT_EQ(d().fills().sessionUnits()->count(), ids.isEmpty() ? 0 : 2);
     }
 }
 
@@ -122,8 +122,8 @@ TEST_F(DLViewerShell, StartUpInTheHostsCallingOrder)
         EXPECT_FALSE(child<QLabel>("lblStatus")->isVisibleTo(viewer.get()));
         EXPECT_TRUE(child<QLabel>("lblLastRefreshTime")->isVisibleTo(viewer.get()));
         EXPECT_TRUE(child<QPushButton>("cmdView")->isEnabled());
-        EXPECT_FALSE(d().mDLV->Busy().isSet(FillBusy::SummaryFill));
-        EXPECT_FALSE(d().mDLV->Busy().isSet(FillBusy::HierarchyFill));
+        EXPECT_FALSE(d().controller()->Busy().isSet(FillBusy::SummaryFill));
+        EXPECT_FALSE(d().controller()->Busy().isSet(FillBusy::HierarchyFill));
         EXPECT_TRUE(dialogs->calls.empty());
     }
 }
@@ -134,7 +134,7 @@ TEST_F(DLViewerShell, ServerStoppedShowsRedStatusAndTheNextLoadHidesIt)
     send(DLVDataBuilder().named(QStringLiteral("DLVServerStopped")));
     auto *status = child<QLabel>("lblStatus");
     EXPECT_TRUE(status->isVisibleTo(viewer.get()));
-    EXPECT_EQ(status->text(), d().captions->caption(QStringLiteral("msg-DLVServerDown")));
+    EXPECT_EQ(status->text(), d().captions()->caption(QStringLiteral("msg-DLVServerDown")));
     EXPECT_EQ(textColour(status), QColor(255, 0, 0));
 
     send(sampleData());
@@ -152,7 +152,7 @@ TEST_F(DLViewerShell, LoadFailureIsReportedThroughTheErrorDialog)
     EXPECT_EQ(call.kind, RecordingDialogHost::Kind::Error);
     EXPECT_EQ(call.location, QStringLiteral("cDLVController.LoadBUData"));
     EXPECT_EQ(call.owner, child<QWidget>("fraDLV"));
-    EXPECT_EQ(call.captions, d().captions.get());
+    EXPECT_EQ(call.captions, d().captions());
     send(sampleData()); // the controller stays usable
     EXPECT_TRUE(child<QPushButton>("cmdView")->isEnabled());
 }
@@ -161,9 +161,9 @@ TEST_F(DLViewerShell, StopControlReleasesEverythingAndLaterCallsAreHarmless)
 {
     start(sampleData(), {"N"});
     viewer->StopControl();
-    EXPECT_EQ(d().mDLV, nullptr);
-    EXPECT_EQ(d().captions, nullptr);
-    EXPECT_EQ(d().sessionBUs, nullptr);
+    EXPECT_EQ(d().controller(), nullptr);
+    EXPECT_EQ(d().captions(), nullptr);
+    EXPECT_EQ(d().fills().sessionUnits(), nullptr);
     EXPECT_FALSE(child<QPushButton>("cmdView")->isEnabled());
     EXPECT_FALSE(child<QAction>("Help")->isVisible());
     // A host that still sends something must not bring the control down.

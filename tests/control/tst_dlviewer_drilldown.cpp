@@ -54,9 +54,9 @@ protected:
 
 TEST_F(DLViewerDrillDown, DoubleClicksAskForTheRecordsBehindAFigure)
 {
-    const OutlineGrid &summary = d().grids[0];
+    const OutlineGrid &summary = d().views().grid(0);
     const int insA = summary.findRow("INS|A");
-    const int north = d().grids[1].findRow("N");
+    const int north = d().views().grid(1).findRow("N");
     const struct
     {
         const char *name;
@@ -82,22 +82,22 @@ TEST_F(DLViewerDrillDown, DoubleClicksAskForTheRecordsBehindAFigure)
 TEST_F(DLViewerDrillDown, EnterWithoutShiftActsAsALeftDoubleClick)
 {
     OutlineGridView *v = showGrid(0);
-    const int insA = d().grids[0].findRow("INS|A");
+    const int insA = d().views().grid(0).findRow("INS|A");
     // A right click leaves the right button remembered; Enter stands for the left one.
     QTest::mouseClick(v->viewport(), Qt::LeftButton, {}, at(v, insA, 4));
     QTest::mouseClick(v->viewport(), Qt::RightButton, {}, at(v, insA, 4));
     v->setFocus();
     QTest::keyClick(v, Qt::Key_Return, Qt::ShiftModifier);
     EXPECT_TRUE(host->details.empty()) << "Shift+Enter does nothing";
-    EXPECT_EQ(d().lastMouseButton, 2);
+    EXPECT_EQ(d().details().lastMouseButton(), 2);
     QTest::keyClick(v, Qt::Key_Return);
     EXPECT_EQ(describe(host->details), "N|S/WORKORDER/WOWarning/INS/A/45\n");
-    EXPECT_EQ(d().lastMouseButton, 1);
+    EXPECT_EQ(d().details().lastMouseButton(), 1);
 }
 
 TEST_F(DLViewerDrillDown, TechnicianCountLabelByMouseAndKeyboard)
 {
-    QLabel *label = d().lblTechCount;
+    QLabel *label = d().panel().techCount();
     EXPECT_NE(label->focusPolicy() & Qt::TabFocus, 0);
     QTest::mouseClick(label, Qt::RightButton);
     EXPECT_TRUE(host->details.empty()) << "right click";
@@ -114,7 +114,7 @@ TEST_F(DLViewerDrillDown, ErrorsInsideAreReportedWithTheProceduresLocation)
     // A host slot that fails: the failure is trapped and reported, never thrown to Qt.
     QObject::connect(viewer.get(), &DLViewer::GetDetails, viewer.get(),
                      [](DLVParams &) { throw DLVError(5, QStringLiteral("host failed")); });
-    QTest::mouseClick(d().lblTechCount, Qt::LeftButton);
+    QTest::mouseClick(d().panel().techCount(), Qt::LeftButton);
     doubleClick(0, 2, 3);
     const auto errors = dialogs->callsOf(RecordingDialogHost::Kind::Error);
     ASSERT_EQ(errors.size(), 2u);
@@ -128,9 +128,10 @@ TEST_F(DLViewerDrillDown, ErrorsInsideAreReportedWithTheProceduresLocation)
 TEST_F(DLViewerDrillDown, TheCurrentCellOfAHierarchyStaysOnItsUnitAcrossARefresh)
 {
     OutlineGridView *v = showGrid(1);
-    QTest::mouseClick(v->viewport(), Qt::LeftButton, {}, at(v, d().grids[1].findRow("S"), 1));
+    QTest::mouseClick(v->viewport(), Qt::LeftButton, {},
+                      at(v, d().views().grid(1).findRow("S"), 1));
     send(sampleData());
-    const OutlineGrid &grid = d().grids[1];
+    const OutlineGrid &grid = d().views().grid(1);
     ASSERT_GE(grid.currentRow(), grid.fixedRows());
     EXPECT_EQ(grid.rowData(grid.currentRow()), QStringLiteral("S"));
     EXPECT_EQ(grid.currentCol(), 1);

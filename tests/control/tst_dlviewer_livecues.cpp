@@ -32,19 +32,19 @@ protected:
     /// North and South chosen; the data came at 10:00 and the cues' clock reads `now`.
     void startAtTen()
     {
-        d().mDLV->setClock([] { return kTen; });
-        d().liveCues->setClock([this] { return now; });
+        d().controller()->setClock([] { return kTen; });
+        d().liveCues().setClock([this] { return now; });
         start(refreshData("7"), {"N", "E", "S"});
         select({"_N", "_S"});
-        d().cmdView_Click();
+        d().fills().cmdView_Click();
         send(refreshData("7"));
         viewer->show();
     }
 
     QVariant cell(int grid, const QString &rowData, int col, int role)
     {
-        const int row = d().grids[size_t(grid)].findRow(rowData);
-        return d().vsFlex[size_t(grid)]->gridModel()->indexForRow(row, col).data(role);
+        const int row = d().views().grid(grid).findRow(rowData);
+        return d().views().view(grid)->gridModel()->indexForRow(row, col).data(role);
     }
     QColor textColour(const char *label)
     {
@@ -69,9 +69,9 @@ TEST_F(DLViewerLiveCues, OffAtCreationSoTheControlShowsWhatItAlwaysShowed)
     EXPECT_FALSE(viewer->ChangeCuesShown());
     EXPECT_FALSE(viewer->ExceptionsShown());
     send(refreshData("9", "2"));
-    for (OutlineGridView *view : d().vsFlex)
-        EXPECT_EQ(view->gridModel()->decorator(), nullptr);
-    EXPECT_TRUE(d().lblFreshness->isHidden());
+    for (int g = 0; g < GridViews::kCount; ++g)
+        EXPECT_EQ(d().views().view(g)->gridModel()->decorator(), nullptr) << g;
+    EXPECT_TRUE(d().topRow().freshnessLabel()->isHidden());
     for (const char *name : {"lblWODone", "lblWOsPerHrToday", "lblNextRefreshTime"})
         EXPECT_FALSE(child<QLabel>(name)->testAttribute(Qt::WA_SetPalette)) << name;
     EXPECT_EQ(marker("lblWODone"), nullptr);
@@ -106,14 +106,14 @@ TEST_F(DLViewerLiveCues, ChangeCuesMarkWhatARefreshChangedButNotANewChoiceOfUnit
     EXPECT_EQ(backColour("lblWODone"), CuePalette::risen().back);
 
     now = kTen.addSecs(60); // the cues have faded
-    d().liveCues->tick();
+    d().liveCues().tick();
     EXPECT_EQ(cell(0, "INS|A", 7, Qt::DisplayRole).toString(), QStringLiteral("9"));
     EXPECT_FALSE(marker("lblWODone")->isVisibleTo(viewer.get()));
     EXPECT_FALSE(child<QLabel>("lblWODone")->autoFillBackground());
 
     // North alone: every figure changes, but because of the choice, not the data.
     select({"_N"});
-    d().cmdView_Click();
+    d().fills().cmdView_Click();
     send(refreshData("8"));
     EXPECT_EQ(cell(0, "INS|A", 7, Qt::DisplayRole).toString(), QStringLiteral("\u25BC 8"));
     EXPECT_EQ(cell(0, "INS|A", 3, Qt::DisplayRole).toString(), QStringLiteral("3"));
@@ -125,14 +125,15 @@ TEST_F(DLViewerLiveCues, FreshnessCountsDownTurnsAmberWhenLateAndGreysAStoppedSe
     startAtTen();
     viewer->SetFreshnessShown(true);
     now = kTen.addSecs(5 * 60);
-    d().liveCues->tick();
-    EXPECT_TRUE(d().lblFreshness->isVisibleTo(viewer.get()));
-    EXPECT_EQ(d().lblFreshness->text(), QStringLiteral("Data 5:00 old \u00B7 next in 10:00"));
+    d().liveCues().tick();
+    EXPECT_TRUE(d().topRow().freshnessLabel()->isVisibleTo(viewer.get()));
+    EXPECT_EQ(d().topRow().freshnessLabel()->text(),
+              QStringLiteral("Data 5:00 old \u00B7 next in 10:00"));
     EXPECT_NE(textColour("lblNextRefreshTime"), CuePalette::overdue().text);
 
     now = kTen.addSecs(31 * 60); // the 10:15 refresh is more than 15 minutes late
-    d().liveCues->tick();
-    EXPECT_EQ(d().lblFreshness->text(),
+    d().liveCues().tick();
+    EXPECT_EQ(d().topRow().freshnessLabel()->text(),
               QStringLiteral("Data 31:00 old \u00B7 refresh overdue by 16:00"));
     for (const char *name : {"lblLastRefreshTime", "lblNextRefreshTime"}) {
         EXPECT_EQ(textColour(name), CuePalette::overdue().text) << name;
@@ -144,8 +145,8 @@ TEST_F(DLViewerLiveCues, FreshnessCountsDownTurnsAmberWhenLateAndGreysAStoppedSe
     EXPECT_EQ(backColour("lblNextRefreshTime"), CuePalette::overdue().back); // still late
     EXPECT_EQ(cell(1, "N", 1, Qt::ForegroundRole).value<QColor>(), CuePalette::stopped().text);
     EXPECT_EQ(child<QLabel>("lblTechCount")->text(), QStringLiteral("15")); // figures stay
-    EXPECT_TRUE(
-        d().lblFreshness->text().endsWith(QStringLiteral("server stopped, figures not updated")));
+    EXPECT_TRUE(d().topRow().freshnessLabel()->text().endsWith(
+        QStringLiteral("server stopped, figures not updated")));
     // A picture of the stopped server's grey figures under the amber refresh times.
     EXPECT_TRUE(viewer->grab().save(QStringLiteral(DLV_SCREENSHOT_DIR "/dlviewer-stopped.png")));
 
@@ -153,7 +154,7 @@ TEST_F(DLViewerLiveCues, FreshnessCountsDownTurnsAmberWhenLateAndGreysAStoppedSe
     EXPECT_NE(textColour("lblTechCount"), CuePalette::stopped().text);
     EXPECT_FALSE(cell(1, "N", 1, Qt::ForegroundRole).isValid());
     viewer->SetFreshnessShown(false);
-    EXPECT_TRUE(d().lblFreshness->isHidden());
+    EXPECT_TRUE(d().topRow().freshnessLabel()->isHidden());
 }
 
 TEST_F(DLViewerLiveCues, TroubleColoursJeopardyLateAndRatesBelowTheRequiredRate)

@@ -33,7 +33,7 @@ protected:
     QStringList collapsedKeys(int grid)
     {
         StringSet list;
-        d().SaveCollapsedList(grid, list);
+        d().views().SaveCollapsedList(grid, list);
         QStringList keys;
         for (const auto &entry : list)
             keys << entry.key;
@@ -46,23 +46,23 @@ protected:
 TEST_F(DLViewerProfiles, ASavedViewComesBackInANewControl)
 {
     run({});
-    ASSERT_GT(d().lvBU->topLevelItemCount(), 4);
+    ASSERT_GT(d().unitListWidget()->topLevelItemCount(), 4);
     // Two regions, the aggregate summary and display by points, then view.
     select({"_R1", "_R3"});
-    d().optBU[1]->setChecked(true);
-    d().cmdView->click();
-    d().optDisplay[1]->click();
+    d().options().summaryOption(1)->setChecked(true);
+    d().options().viewButton()->click();
+    d().options().displayOption(1)->click();
     // Collapse a job-type group in the summary, a unit in the work-order hierarchy and the root
     // in the points hierarchy.
-    OutlineGrid &summary = d().grids[0];
+    OutlineGrid &summary = d().views().grid(0);
     int group = -1;
     for (int r = 3; r < summary.rowCount() && group < 0; ++r)
         if (summary.isNode(r) && !summary.rowData(r).isEmpty())
             group = r;
     ASSERT_GE(group, 0);
     summary.setCollapsed(group, true);
-    d().grids[1].setCollapsed(d().grids[1].findRow(QStringLiteral("R2")), true);
-    d().grids[2].setCollapsed(2, true);
+    d().views().grid(1).setCollapsed(d().views().grid(1).findRow(QStringLiteral("R2")), true);
+    d().views().grid(2).setCollapsed(2, true);
 
     const QStringList selected = listKeys(true);
     std::array<QStringList, 3> collapsed;
@@ -73,7 +73,7 @@ TEST_F(DLViewerProfiles, ASavedViewComesBackInANewControl)
     ASSERT_EQ(collapsed[1], QStringList{"R2"});
     ASSERT_EQ(collapsed[2], QStringList{"#"});
 
-    d().mnuSaveProfile->trigger();
+    d().toolbar().saveProfileItem()->trigger();
     EXPECT_TRUE(host->requests.contains(QStringLiteral("PutProfiles")));
     EXPECT_TRUE(dialogs->calls.empty());
     const QZWebProfiles store = host->store;
@@ -81,15 +81,15 @@ TEST_F(DLViewerProfiles, ASavedViewComesBackInANewControl)
 
     run(store);
     EXPECT_EQ(listKeys(true), selected);
-    EXPECT_TRUE(d().optBU[1]->isChecked());
-    EXPECT_TRUE(d().optDisplay[1]->isChecked());
+    EXPECT_TRUE(d().options().summaryOption(1)->isChecked());
+    EXPECT_TRUE(d().options().displayOption(1)->isChecked());
     for (int g = 0; g < 3; ++g)
         EXPECT_EQ(collapsedKeys(g), collapsed[g]) << "grid " << g;
     EXPECT_TRUE(dialogs->calls.empty());
 
     // The next refresh fills the hierarchy rows of the chosen units.
     send(realisticOrganisation());
-    d().grids[2].setCollapsed(2, false);
+    d().views().grid(2).setCollapsed(2, false);
     viewer->show();
     for (const auto &[index, view] :
          {std::pair{0, "summary"}, std::pair{2, "hierarchy-points"}, std::pair{1, "hierarchy"}}) {

@@ -36,10 +36,10 @@ TEST_F(DLViewerToolbar, ButtonsHaveCaptionsAndPicturesAtEveryPixelRatio)
 {
     startChosen(); // data arrived: all four buttons are shown
     const std::vector<std::pair<QAction *, QString>> buttons = {
-        {d().btnSaveGrid, "Save Grid"},
-        {d().btnPrintGrid, "Print Grid"},
-        {d().btnProfiles, "Profiles"},
-        {d().btnHelp, "About Dashlon Viewer"},
+        {d().toolbar().saveButton(), "Save Grid"},
+        {d().toolbar().printButton(), "Print Grid"},
+        {d().toolbar().profilesButton(), "Profiles"},
+        {d().toolbar().helpButton(), "About Dashlon Viewer"},
     };
     for (const auto &[action, tip] : buttons) {
         SCOPED_TRACE(tip.toStdString());
@@ -55,7 +55,7 @@ TEST_F(DLViewerToolbar, ButtonsHaveCaptionsAndPicturesAtEveryPixelRatio)
             << "a disabled button looks disabled";
     }
     // Pictures of the toolbar, also painted for a 2x screen.
-    QToolBar *bar = d().tbMain;
+    QToolBar *bar = d().toolbar().toolBar();
     EXPECT_TRUE(bar->grab().save(QStringLiteral(DLV_SCREENSHOT_DIR "/toolbar_1x.png")));
     QPixmap twice(bar->size() * 2);
     twice.setDevicePixelRatio(2.0);
@@ -73,7 +73,7 @@ TEST_F(DLViewerToolbar, HelpShowsTheAboutBoxInTheControllersLanguage)
         SCOPED_TRACE(language);
         SetUp();
         initialize(QString::fromLatin1(language));
-        d().btnHelp->trigger();
+        d().toolbar().helpButton()->trigger();
         const auto about = dialogs->callsOf(Kind::About);
         ASSERT_EQ(about.size(), 1u);
         EXPECT_EQ(about[0].title, d().caption("AboutDLV"));
@@ -83,7 +83,7 @@ TEST_F(DLViewerToolbar, HelpShowsTheAboutBoxInTheControllersLanguage)
                                             ? "Produtividade de Hora Real de Unidades de Negócios"
                                             : "");
         EXPECT_TRUE(about[0].version.contains(QRegularExpression("^\\d+\\.\\d+\\.\\d+$")));
-        EXPECT_EQ(about[0].owner, d().fraDLV);
+        EXPECT_EQ(about[0].owner, d().frame());
     }
 }
 
@@ -93,40 +93,40 @@ TEST_F(DLViewerToolbar, SaveWritesTheGridInViewAndRemembersTheFolder)
     QTemporaryDir dir;
     for (const int index : {0, 2}) {
         showGrid(index);
-        ASSERT_EQ(d().currentGridIndex(), index);
+        ASSERT_EQ(d().options().currentGridIndex(), index);
         const QString path = QDir(dir.path()).filePath(QStringLiteral("grid%1.csv").arg(index));
         dialogs->saveFileAnswers.push_back(path);
-        d().btnSaveGrid->trigger();
+        d().toolbar().saveButton()->trigger();
         QFile f(path);
         ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-        EXPECT_EQ(f.readAll(), GridExporter::bytes(d().grids[size_t(index)])) << index;
-        EXPECT_TRUE(d().fraDLV->isEnabled());
+        EXPECT_EQ(f.readAll(), GridExporter::bytes(d().views().grid(index))) << index;
+        EXPECT_TRUE(d().frame()->isEnabled());
     }
     // Cancel and blanks keep the folder; a chosen name moves it even when writing then fails.
     for (const QString &answer :
          {QString(), QStringLiteral("   "), QDir(dir.path()).filePath("missing/grid.csv")}) {
         dialogs->saveFileAnswers.push_back(answer);
-        d().btnSaveGrid->trigger();
-        EXPECT_TRUE(d().fraDLV->isEnabled());
+        d().toolbar().saveButton()->trigger();
+        EXPECT_TRUE(d().frame()->isEnabled());
     }
     const auto calls = dialogs->callsOf(Kind::SaveFile);
     ASSERT_EQ(calls.size(), 5u);
     EXPECT_EQ(calls[0].folder, "") << "empty at start";
     for (const size_t i : {1, 2, 3, 4})
         EXPECT_EQ(calls[i].folder, dir.path()) << i;
-    EXPECT_EQ(d().lastSaveFolder, QDir(dir.path()).filePath("missing"));
+    EXPECT_EQ(d().output().lastSaveFolder(), QDir(dir.path()).filePath("missing"));
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 2);
     EXPECT_EQ(calls[0].filter, "Comma-separated Files (*.csv)");
     EXPECT_EQ(calls[0].defaultSuffix, "csv");
     EXPECT_EQ(calls[0].title, "Save Grid");
     EXPECT_FALSE(calls[0].ownerEnabledDuringCall);
-    EXPECT_EQ(calls[0].owner, d().fraDLV);
+    EXPECT_EQ(calls[0].owner, d().frame());
     EXPECT_TRUE(dialogs->callsOf(Kind::Error).empty());
 
     // Nothing is saved or printed while the grid is hidden.
-    d().vsFlex[2]->setVisible(false);
-    d().btnSaveGrid->trigger();
-    d().btnPrintGrid->trigger();
+    d().views().view(2)->setVisible(false);
+    d().toolbar().saveButton()->trigger();
+    d().toolbar().printButton()->trigger();
     EXPECT_EQ(dialogs->calls.size(), 5u);
 }
 
@@ -143,16 +143,16 @@ TEST_F(DLViewerToolbar, PrintPresetsLandscapeAndTitlesThePrintoutByTab)
             printer.setOutputFileName(path);
             return true;
         });
-        d().btnPrintGrid->trigger();
-        EXPECT_TRUE(d().fraDLV->isEnabled());
+        d().toolbar().printButton()->trigger();
+        EXPECT_TRUE(d().frame()->isEnabled());
         const auto call = dialogs->callsOf(Kind::Print).back();
         EXPECT_EQ(call.orientation, QPageLayout::Landscape);
         EXPECT_EQ(call.docName, title);
         EXPECT_FALSE(call.ownerEnabledDuringCall);
     }
     // A cancelled dialog prints nothing and leaves the frame enabled.
-    d().btnPrintGrid->trigger();
+    d().toolbar().printButton()->trigger();
     EXPECT_EQ(dialogs->callsOf(Kind::Print).size(), 3u);
-    EXPECT_TRUE(d().fraDLV->isEnabled());
+    EXPECT_TRUE(d().frame()->isEnabled());
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 2);
 }

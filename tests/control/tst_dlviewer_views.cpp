@@ -56,7 +56,7 @@ protected:
     QString figure(const char *label) { return child<QLabel>(label)->text(); }
     QString hierarchyCell(const QString &id, int col)
     {
-        return d().grids[1].text(d().grids[1].findRow(id), col);
+        return d().views().grid(1).text(d().views().grid(1).findRow(id), col);
     }
     bool visible(const char *name) { return child<QWidget>(name)->isVisibleTo(viewer.get()); }
 };
@@ -71,14 +71,14 @@ TEST_F(DLViewerViews, ADataMessageRefreshesHierarchyUnitListAndSummaryInThatOrde
     viewer->SetSessionBUIDList(units);
     std::vector<std::string> log;
     FillLog summary(log, "summary"), workOrders(log, "work orders"), points(log, "points");
-    d().grids[0].addObserver(&summary);
-    d().grids[1].addObserver(&workOrders);
-    d().grids[2].addObserver(&points);
-    QObject::connect(d().lvBU->model(), &QAbstractItemModel::rowsInserted, viewer.get(),
+    d().views().grid(0).addObserver(&summary);
+    d().views().grid(1).addObserver(&workOrders);
+    d().views().grid(2).addObserver(&points);
+    QObject::connect(d().unitListWidget()->model(), &QAbstractItemModel::rowsInserted, viewer.get(),
                      [&log] { log.push_back("unit list"); });
     send(regions());
     for (int g = 0; g < 3; ++g)
-        d().grids[size_t(g)].removeObserver(g == 0 ? &summary : g == 1 ? &workOrders : &points);
+        d().views().grid(g).removeObserver(g == 0 ? &summary : g == 1 ? &workOrders : &points);
     const auto at = [&log](const char *name) {
         return std::find(log.begin(), log.end(), name) - log.begin();
     };
@@ -90,21 +90,22 @@ TEST_F(DLViewerViews, ADataMessageRefreshesHierarchyUnitListAndSummaryInThatOrde
     // The list offers the session's units in tree order; the new profile selects the first.
     EXPECT_EQ(listKeys(false), (QStringList{"_R1", "_C1", "_R2"}));
     EXPECT_EQ(listKeys(true), QStringList{"_R1"});
-    EXPECT_EQ(d().grids[0].text(2, 3), "1");
+    EXPECT_EQ(d().views().grid(0).text(2, 3), "1");
     EXPECT_EQ(figure("lblWODone"), "5");
     EXPECT_EQ(figure("lblWOsPerHrToday"), "2.5");
     // The hierarchy was filled before anything was chosen: every row grey and empty.
     EXPECT_TRUE(hierarchyCell("R1", 1).isEmpty());
-    EXPECT_EQ(d().grids[1].backColor(d().grids[1].findRow("R1"), 0), QColor(208, 208, 208));
+    EXPECT_EQ(d().views().grid(1).backColor(d().views().grid(1).findRow("R1"), 0),
+              QColor(208, 208, 208));
 
     // The next refresh sums the chosen unit's row, keeps the choice and the collapsed nodes.
-    d().grids[2].setCollapsed(d().grids[2].findRow("R2"), true);
+    d().views().grid(2).setCollapsed(d().views().grid(2).findRow("R2"), true);
     send(regions());
     EXPECT_EQ(hierarchyCell("R1", 1), "3"); // R1 and C1
     EXPECT_TRUE(hierarchyCell("C1", 1).isEmpty());
     EXPECT_EQ(listKeys(true), QStringList{"_R1"});
-    EXPECT_TRUE(d().grids[2].isCollapsed(d().grids[2].findRow("R2")));
-    EXPECT_FALSE(d().grids[1].isCollapsed(d().grids[1].findRow("R2")));
+    EXPECT_TRUE(d().views().grid(2).isCollapsed(d().views().grid(2).findRow("R2")));
+    EXPECT_FALSE(d().views().grid(1).isCollapsed(d().views().grid(1).findRow("R2")));
     EXPECT_TRUE(dialogs->calls.empty());
 }
 
@@ -112,7 +113,7 @@ TEST_F(DLViewerViews, ViewRedrawsOnlyForANewSelectionOrMode)
 {
     start(regions(), {"R1", "C1", "R2", "C2"});
     int fills = 0;
-    QObject::connect(d().mDLV.get(), &cDLVController::FillSingleBUGrid, viewer.get(),
+    QObject::connect(d().controller(), &cDLVController::FillSingleBUGrid, viewer.get(),
                      [&fills](BusinessUnits &) { ++fills; });
     const struct
     {
@@ -159,7 +160,7 @@ TEST_F(DLViewerViews, AFailedFillIsReportedAndLeavesNoBusyFlagBehind)
     start(regions(), {"R1", "C1", "R2"});
     // While the error dialog is open the host's refresh timer still fires: that message arrives
     // in the middle of the fill and is dropped.
-    QSignalSpy fills(d().mDLV.get(), &cDLVController::FillBUHierarchyGrid);
+    QSignalSpy fills(d().controller(), &cDLVController::FillBUHierarchyGrid);
     bool droppedDuringFill = false;
     dialogs->whileShown = [&](const RecordingDialogHost::Call &) {
         const qsizetype before = fills.count();
@@ -173,8 +174,8 @@ TEST_F(DLViewerViews, AFailedFillIsReportedAndLeavesNoBusyFlagBehind)
     ASSERT_EQ(dialogs->calls.size(), 1u);
     EXPECT_EQ(dialogs->calls[0].number, 6);
     EXPECT_EQ(dialogs->calls[0].location, "DLViewer.mDLV_FillBUHierarchyGrid");
-    EXPECT_FALSE(d().mDLV->Busy().isSet(FillBusy::SummaryFill));
-    EXPECT_FALSE(d().mDLV->Busy().isSet(FillBusy::HierarchyFill));
+    EXPECT_FALSE(d().controller()->Busy().isSet(FillBusy::SummaryFill));
+    EXPECT_FALSE(d().controller()->Busy().isSet(FillBusy::HierarchyFill));
 
     send(regions()); // no longer blocked: the next message is taken
     EXPECT_EQ(dialogs->calls.size(), 1u);
@@ -195,7 +196,7 @@ TEST_F(DLViewerViews, TheRootIsNoUnitToPickAndGoesWhenNoUnitStays)
     empty.jobType("T", "Install").jobClass("C", "Cable");
     send(empty);
     for (int g = 1; g <= 2; ++g)
-        EXPECT_EQ(d().grids[std::size_t(g)].rowCount(), 2) << g;
+        EXPECT_EQ(d().views().grid(g).rowCount(), 2) << g;
     EXPECT_TRUE(listKeys(false).isEmpty());
     EXPECT_TRUE(dialogs->calls.empty());
 }
@@ -205,7 +206,7 @@ TEST_F(DLViewerViews, TheUnitTreeShowsTheSameChoiceIndentedWithChecksAndAFilter)
     start(regions(), {"R1", "C1", "R2", "C2"});
     select({"_C1", "_R2"});
     viewer->SetUnitTreeShown(true);
-    QTreeWidget *list = d().lvBU;
+    QTreeWidget *list = d().unitListWidget();
     // Indented under the listed parents, in the same list order, with the choice kept.
     ASSERT_EQ(list->topLevelItemCount(), 2);
     EXPECT_EQ(list->topLevelItem(0)->child(0)->data(0, Qt::UserRole).toString(), "_C1");
@@ -221,7 +222,7 @@ TEST_F(DLViewerViews, TheUnitTreeShowsTheSameChoiceIndentedWithChecksAndAFilter)
     EXPECT_EQ(list->topLevelItem(0)->checkState(0), Qt::Checked);
     child<QPushButton>("cmdView")->click();
     EXPECT_EQ(figure("lblTechCount"), "7"); // R1 1, C1 2, R2 4
-    EXPECT_EQ(d().currentSelection.keys(), (std::vector<QString>{"R1", "C1", "R2"}));
+    EXPECT_EQ(d().fills().currentSelection().keys(), (std::vector<QString>{"R1", "C1", "R2"}));
 
     // The filter narrows what is shown, not what is chosen; "all" takes the shown units only.
     child<QPushButton>("cmdSelectNone")->click();
@@ -247,8 +248,8 @@ TEST_F(DLViewerViews, TheUnitTreeShowsTheSameChoiceIndentedWithChecksAndAFilter)
 TEST_F(DLViewerViews, TheWidgetsMirrorTheViewChoiceBothWays)
 {
     start(regions(), {"R1", "C1", "R2", "C2"});
-    ViewChoice &choice = d().choice;
-    QTreeWidget *list = d().lvBU;
+    ViewChoice &choice = d().choice();
+    QTreeWidget *list = d().unitListWidget();
 
     choice.setChosen(2, true); // R2
     EXPECT_TRUE(list->topLevelItem(2)->isSelected());
@@ -265,7 +266,7 @@ TEST_F(DLViewerViews, TheWidgetsMirrorTheViewChoiceBothWays)
     EXPECT_TRUE(choice.singleUnits());
     child<QRadioButton>("optDisplay0")->click();
     EXPECT_TRUE(choice.byWorkOrders());
-    EXPECT_EQ(d().mDLV->GetBUList().keys(), (std::vector<QString>{"C2"}));
+    EXPECT_EQ(d().controller()->GetBUList().keys(), (std::vector<QString>{"C2"}));
 
     send(regions()); // a refresh keeps the choice and shows it again
     EXPECT_TRUE(choice.isChosen(3));

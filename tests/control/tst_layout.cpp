@@ -17,7 +17,7 @@ TEST_F(ControlFixture, LayoutPanelAndGridsFitTheirFramesAtThisResolution)
 
     // Every panel label, option and button lies inside the summary frame, none over another, and
     // a text that does not fit is shortened with its whole text in the tool tip.
-    QFrame *frame = d().fraBU[0];
+    QFrame *frame = d().options().frame(0);
     std::vector<QWidget *> parts;
     for (QWidget *w : frame->findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
         if (w->isVisibleTo(frame) &&
@@ -46,7 +46,7 @@ TEST_F(ControlFixture, LayoutPanelAndGridsFitTheirFramesAtThisResolution)
     }
 
     // The grid fills the frame's width and its columns fit it without a horizontal scroll.
-    const OutlineGridView *grid = d().vsFlex[0];
+    const OutlineGridView *grid = d().views().view(0);
     EXPECT_TRUE(frame->rect().contains(grid->geometry()));
     EXPECT_GE(grid->width(), frame->width() * 9 / 10);
     int columns = 0;
