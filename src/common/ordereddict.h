@@ -6,11 +6,12 @@
 #include <QHashFunctions>
 #include <QString>
 #include <QStringView>
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <functional>
 #include <memory>
 #include <type_traits>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -74,44 +75,39 @@ public:
     /// Adds key with value; throws DLVError(457) when the key is already present.
     V &add(const QString &key, V value)
     {
-        if (contains(key))
+        const std::size_t hash = hashOf(key);
+        if (d->find(key, hash, m_compare) >= 0)
             throw DLVError::duplicateKey(key);
-        Data &data = detach();
-        data.entries.push_back(Entry{key, std::move(value)});
-        data.index.emplace(data.entries.back().key, data.entries.size() - 1);
-        return data.entries.back().value;
+        return detach().append(key, hash, std::move(value));
     }
 
     /// Adds the key unless present; returns true when it was added.
     bool addIfAbsent(const QString &key, V value)
     {
-        if (contains(key))
+        const std::size_t hash = hashOf(key);
+        if (d->find(key, hash, m_compare) >= 0)
             return false;
-        add(key, std::move(value));
+        detach().append(key, hash, std::move(value));
         return true;
     }
 
-    [[nodiscard]] bool contains(QStringView key) const
-    {
-        return d->index.find(key) != d->index.end();
-    }
+    [[nodiscard]] bool contains(QStringView key) const { return indexOf(key) >= 0; }
 
     [[nodiscard]] const V *find(QStringView key) const
     {
-        const auto it = d->index.find(key);
-        return it == d->index.end() ? nullptr : &d->entries[it->second].value;
+        const qsizetype i = indexOf(key);
+        return i < 0 ? nullptr : &d->entries[std::size_t(i)].value;
     }
     [[nodiscard]] V *find(QStringView key)
     {
-        const auto it = d->index.find(key);
-        return it == d->index.end() ? nullptr : &detach().entries[it->second].value;
+        const qsizetype i = indexOf(key);
+        return i < 0 ? nullptr : &detach().entries[std::size_t(i)].value;
     }
 
     /// Position of the key in insertion order, or -1.
     [[nodiscard]] qsizetype indexOf(QStringView key) const
     {
-        const auto it = d->index.find(key);
-        return it == d->index.end() ? -1 : qsizetype(it->second);
+        return d->find(key, hashOf(key), m_compare);
     }
 
     /// The value of a key that must exist; throws DLVError(5) otherwise.
@@ -134,15 +130,13 @@ public:
 
     bool remove(QStringView key)
     {
-        if (!contains(key))
+        const qsizetype pos = indexOf(key);
+        if (pos < 0)
             return false;
         Data &data = detach();
-        const auto it = data.index.find(key);
-        const std::size_t pos = it->second;
-        data.index.erase(it);
-        data.entries.erase(data.entries.begin() + qsizetype(pos));
-        for (std::size_t i = pos; i < data.entries.size(); ++i)
-            data.index[data.entries[i].key] = i;
+        data.entries.erase(data.entries.begin() + pos);
+        data.hashes.erase(data.hashes.begin() + pos);
+        data.rehash(data.table.size());
         return true;
     }
 
@@ -152,15 +146,18 @@ public:
             d = std::make_shared<Data>(m_compare);
             return;
         }
-        d->index.clear();
         d->entries.clear();
+        d->hashes.clear();
+        d->table.assign(Data::MinSlots, -1);
     }
 
     void reserve(qsizetype n)
     {
         Data &data = detach();
         data.entries.reserve(std::size_t(n));
-        data.index.reserve(std::size_t(n));
+        data.hashes.reserve(std::size_t(n));
+        if (std::size_t(n) * 2 > data.table.size())
+            data.rehash(std::bit_ceil(std::size_t(n) * 2));
     }
 
     /// Entry by 0-based position; throws DLVError(9) outside 0 to count() - 1.
@@ -245,11 +242,57 @@ private:
         }
     };
 
+    [[nodiscard]] std::size_t hashOf(QStringView key) const { return Hash{m_compare}(key); }
+
+    /// The entries in insertion order, their keys' hashes, and an open-addressing index over
+    /// them (entry positions, -1 for free; at most half full), compact enough that building a
+    /// set of ten thousand ids allocates a handful of times instead of once per id.
     struct Data
     {
-        explicit Data(KeyCompare compare) : index(16, Hash{compare}, Equal{compare}) {}
+        static constexpr std::size_t MinSlots = 16;
+
+        explicit Data(KeyCompare) : table(MinSlots, -1) {}
+
+        [[nodiscard]] qsizetype find(QStringView key, std::size_t hash, KeyCompare compare) const
+        {
+            const std::size_t mask = table.size() - 1;
+            for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+                const qsizetype at = table[i];
+                if (at < 0)
+                    return -1;
+                if (hashes[std::size_t(at)] == hash &&
+                    Equal{compare}(key, entries[std::size_t(at)].key))
+                    return at;
+            }
+        }
+        V &append(const QString &key, std::size_t hash, V value)
+        {
+            entries.push_back(Entry{key, std::move(value)});
+            hashes.push_back(hash);
+            if (entries.size() * 2 > table.size())
+                rehash(table.size() * 2);
+            else
+                place(entries.size() - 1);
+            return entries.back().value;
+        }
+        void place(std::size_t at)
+        {
+            const std::size_t mask = table.size() - 1;
+            std::size_t i = hashes[at] & mask;
+            while (table[i] >= 0)
+                i = (i + 1) & mask;
+            table[i] = qsizetype(at);
+        }
+        void rehash(std::size_t size)
+        {
+            table.assign(std::max(size, MinSlots), -1);
+            for (std::size_t at = 0; at < entries.size(); ++at)
+                place(at);
+        }
+
         std::vector<Entry> entries;
-        std::unordered_map<QString, std::size_t, Hash, Equal> index;
+        std::vector<std::size_t> hashes;
+        std::vector<qsizetype> table;
     };
     /// The contents for a change: a copy of its own first when they are shared.
     Data &detach()

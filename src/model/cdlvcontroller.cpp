@@ -47,15 +47,12 @@ QDateTime addMinutes(const QDateTime &now, double minutes)
     return next;
 }
 
-void addPieces(QStringView id, StringSet &out)
+void addPieces(const QString &id, StringSet &out)
 {
     // The step-by-step listing joins the ids with "," and splits the text again, so an id that
     // itself holds a comma arrives as its pieces.
     if (!id.contains(u',')) {
-        if (!out.contains(id)) {
-            const QString text = id.toString();
-            out.add(text, text);
-        }
+        out.addIfAbsent(id, id); // shares the id's text
         return;
     }
     for (const QStringView piece : id.tokenize(u',')) {

@@ -58,18 +58,10 @@ void setCountersText(Line &line, const std::array<qint32, Counters> &values)
     return QString::compare(a, b, Qt::CaseSensitive) < 0;
 }
 
-/// Adds one unit to the panel sums and recomputes the four rates of the sums. The rates take the
-/// sums as 32-bit operands, so a sum past that range fails here with the overflow error, after
-/// the sums were updated (as the labels would have been).
-void addToPanel(PanelValues &panel, const BusinessUnit &bu)
+/// The four rates of the panel's sums. The rates take the sums as 32-bit operands, so a sum past
+/// that range fails with the overflow error, after the rates before it were set.
+void setPanelRates(PanelValues &panel)
 {
-    panel.techCount += bu.TechCount();
-    panel.hoursWorked += bu.HoursWorked();
-    panel.hoursRemaining += bu.HoursRemaining();
-    panel.woDone += bu.GetGrandTotal(4);
-    panel.woOpen += bu.GetGrandTotal(0);
-    panel.ptsDone += bu.GetGrandTotal(11);
-    panel.ptsOpen += bu.GetGrandTotal(7);
     const auto operand = [](qint64 v) { return double(Conv::toLong(double(v))); };
     panel.wosPerHrToday = Conv::rate(operand(panel.woDone), operand(panel.hoursWorked));
     panel.ptsPerHrToday = Conv::rate(operand(panel.ptsDone), operand(panel.hoursWorked));
@@ -77,11 +69,49 @@ void addToPanel(PanelValues &panel, const BusinessUnit &bu)
     panel.ptsPerHrReq = Conv::rate(operand(panel.ptsOpen), operand(panel.hoursRemaining));
 }
 
+/// Adds one unit to the panel sums. The panel's rates are those of the sums after every unit, so
+/// they are set once at the end (finishPanel), unless a sum leaves the 32-bit range here: then
+/// the rates are set as they stood after the previous unit and the failing unit's rates are set
+/// until the one that fails, as adding unit by unit and setting the rates each time would leave
+/// them.
+void addToPanel(PanelValues &panel, const BusinessUnit &bu)
+{
+    const PanelValues before = panel;
+    panel.techCount += bu.TechCount();
+    panel.hoursWorked += bu.HoursWorked();
+    panel.hoursRemaining += bu.HoursRemaining();
+    using namespace Counter;
+    panel.woDone += bu.GrandTotals()[workOrders(Completed)];
+    panel.woOpen += bu.GrandTotals()[workOrders(Open)];
+    panel.ptsDone += bu.GrandTotals()[points(Completed)];
+    panel.ptsOpen += bu.GrandTotals()[points(Open)];
+    const auto in32 = [](qint64 v) { return v >= INT32_MIN && v <= INT32_MAX; };
+    if (in32(panel.woDone) && in32(panel.woOpen) && in32(panel.ptsDone) && in32(panel.ptsOpen) &&
+        in32(panel.hoursWorked) && in32(panel.hoursRemaining)) [[likely]]
+        return;
+    PanelValues rates = before;
+    setPanelRates(rates); // the previous unit's sums were in range: this does not fail
+    panel.wosPerHrToday = rates.wosPerHrToday;
+    panel.ptsPerHrToday = rates.ptsPerHrToday;
+    panel.wosPerHrReq = rates.wosPerHrReq;
+    panel.ptsPerHrReq = rates.ptsPerHrReq;
+    setPanelRates(panel); // fails, part way
+}
+
+/// All fourteen sums side by side (they are independent, so the compiler runs them in vector
+/// registers); a sum outside 32 bits fails the fill once all are added, and a failed fill shows
+/// none of its rows, so the order of the check is not seen.
 void addCounters(std::array<qint32, Counters> &sum, const JobClass &jc)
 {
     const std::array<qint32, Counters> &counters = jc.JobDetails();
-    for (std::size_t s = 0; s < sum.size(); ++s)
-        sum[s] = Conv::addChecked(sum[s], counters[s]);
+    bool overflow = false;
+    for (std::size_t s = 0; s < sum.size(); ++s) {
+        qint32 result = 0;
+        overflow |= __builtin_add_overflow(sum[s], counters[s], &result);
+        sum[s] = result;
+    }
+    if (overflow) [[unlikely]]
+        throw DLVError::overflow();
 }
 
 /// Whether the message's codes hold the row data's separator "|", looked at once per code.
@@ -116,13 +146,22 @@ public:
     static constexpr std::size_t None = std::size_t(-1);
 
     SumRowIndex(const CodeTable &types, const CodeTable &classes)
-        : m_typeBar(types), m_classBar(classes)
-    {}
+        : m_typeBar(types), m_classBar(classes), m_classCount(classes.count())
+    {
+        // A message has a few dozen job types and classes: every pair gets a slot of its own.
+        const qint64 pairs = qint64(types.count()) * classes.count();
+        if (pairs <= DenseLimit)
+            m_dense.assign(std::size_t(pairs), -1);
+    }
 
     /// The row of the pair, looked up by its numbers only.
     [[nodiscard]] std::size_t findPair(int type, int jobClass) const
     {
-        const int row = m_byPair.find(PairIndex::key(type, jobClass));
+        int row = -1;
+        if (type >= 0 && !m_dense.empty())
+            row = m_dense[std::size_t(type) * std::size_t(m_classCount) + std::size_t(jobClass)];
+        else if (m_dense.empty())
+            row = m_byPair.find(PairIndex::key(type, jobClass));
         return row < 0 ? None : std::size_t(row);
     }
     /// Whether the pair's row data hold no "|" but the separator.
@@ -138,14 +177,21 @@ public:
     }
     void insertPair(int type, int jobClass, std::size_t row)
     {
-        m_byPair.findOrInsert(PairIndex::key(type, jobClass), int(row));
+        if (!m_dense.empty())
+            m_dense[std::size_t(type) * std::size_t(m_classCount) + std::size_t(jobClass)] =
+                int(row);
+        else
+            m_byPair.findOrInsert(PairIndex::key(type, jobClass), int(row));
     }
     void insertText(const QString &key, std::size_t row) { m_byText.insert(key, row); }
 
 private:
+    static constexpr qint64 DenseLimit = 1 << 16;
     BarCodes m_typeBar;
     BarCodes m_classBar;
-    PairIndex m_byPair;
+    int m_classCount;
+    std::vector<int> m_dense; // by type * class count + class, when small enough
+    PairIndex m_byPair;       // otherwise
     QHash<QString, std::size_t> m_byText;
 };
 
@@ -265,9 +311,8 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
     std::vector<SumRow> rows;
     SumRowIndex rowOf(bus.JobTypeCodes(), bus.JobClassCodes());
     QString key;
-    for (const BusinessUnit *bu : units) {
-        addToPanel(panel, *bu);
-        for (const JobType &jt : bu->JobTypes()) {
+    const auto sumClasses = [&](const BusinessUnit &bu) {
+        for (const JobType &jt : bu.JobTypes()) {
             const int type = jt.Number();
             for (const JobClass &jc : jt.Classes()) {
                 const int jobClass = jc.Number();
@@ -291,7 +336,17 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
                 addCounters(rows[r].sum, jc);
             }
         }
+    };
+    for (const BusinessUnit *bu : units) {
+        addToPanel(panel, *bu);
+        try {
+            sumClasses(*bu);
+        } catch (...) {
+            setPanelRates(panel); // the panel shows the figures reached
+            throw;
+        }
     }
+    setPanelRates(panel);
 
     m_grid.setOutlineCol(2);
     m_grid.setOutlineTextCol(1);
