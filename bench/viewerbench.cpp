@@ -44,7 +44,7 @@ ViewerBench::Times ViewerBench::run(const std::shared_ptr<QZWebMessage> &message
         OutlineGrid::RedrawSuspender suspendPoints(d.views().grid(2));
         d.views().SaveCollapsedList(1, collapsed[0]);
         d.views().SaveCollapsedList(2, collapsed[1]);
-        HierarchyGrid::Fill(d.views().grid(1), d.views().grid(2), *d.controller(), model,
+        HierarchyGrid::Fill(d.views().grid(1), d.views().grid(2), d.controller()->Lookups(), model,
                             d.fills().currentSelection());
         d.views().RestoreCollapsedList(1, collapsed[0]);
         d.views().RestoreCollapsedList(2, collapsed[1]);

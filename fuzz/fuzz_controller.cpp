@@ -183,7 +183,7 @@ private:
         {
             FillBusy::Scope busy(m_controller.Busy(), FillBusy::HierarchyFill);
             trap(QStringLiteral("Fuzz.FillHierarchy"), [&] {
-                HierarchyGrid::Fill(m_workOrders, m_points, m_controller, bus,
+                HierarchyGrid::Fill(m_workOrders, m_points, m_controller.Lookups(), bus,
                                     m_controller.GetBUList());
             });
         }

@@ -136,7 +136,8 @@ void ViewsController::mDLV_FillBUHierarchyGrid(BusinessUnits &bus)
         {
             OutlineGrid::RedrawSuspender suspendWorkOrders(views.grid(1));
             OutlineGrid::RedrawSuspender suspendPoints(views.grid(2));
-            HierarchyGrid::Fill(views.grid(1), views.grid(2), *m_dlv, bus, m_currentSelection);
+            HierarchyGrid::Fill(views.grid(1), views.grid(2), m_dlv->Lookups(), bus,
+                                m_currentSelection);
             views.FitGridHeight(1);
             views.FitGridHeight(2);
             if (m_hierarchyFilled) {

@@ -117,3 +117,34 @@ void BUHierarchy::walk(QStringView id, std::vector<int> &out, std::vector<char> 
         listChildren(childrenOf(child));
     }
 }
+
+namespace {
+
+void addPieces(const QString &id, OrderedDict<QString> &out)
+{
+    if (!id.contains(u',')) {
+        out.addIfAbsent(id, id); // shares the id's text
+        return;
+    }
+    for (const QStringView piece : id.tokenize(u',')) {
+        if (!out.contains(piece)) {
+            const QString text = piece.toString();
+            out.add(text, text);
+        }
+    }
+}
+
+} // namespace
+
+void BUHierarchy::appendIdList(const QString &id, OrderedDict<QString> &out,
+                               std::vector<char> *done) const
+{
+    addPieces(id, out);
+    m_walk.clear();
+    if (done)
+        appendDescendants(id, m_walk, *done);
+    else
+        appendDescendants(id, m_walk);
+    for (const int unit : m_walk)
+        addPieces(m_ids[std::size_t(unit)], out);
+}

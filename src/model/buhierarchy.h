@@ -50,6 +50,12 @@ public:
     /// costs one visit per unit however deep the tree. done has count() entries.
     void appendDescendants(QStringView id, std::vector<int> &out, std::vector<char> &done) const;
 
+    /// Adds to out the id and every descendant in listing order, each once (see
+    /// appendDescendants; done as there). The listing joins the ids with "," and splits the text
+    /// again, so an id that itself holds a comma arrives as its pieces.
+    void appendIdList(const QString &id, OrderedDict<QString> &out,
+                      std::vector<char> *done = nullptr) const;
+
 private:
     void walk(QStringView id, std::vector<int> &out, std::vector<char> *done) const;
     [[nodiscard]] std::span<const int> group(int g) const
@@ -74,4 +80,5 @@ private:
     // so starting a walk costs nothing however many units there are.
     mutable std::vector<std::uint32_t> m_mark;
     mutable std::uint32_t m_stamp = 0;
+    mutable std::vector<int> m_walk; // scratch for appendIdList
 };

@@ -47,22 +47,6 @@ QDateTime addMinutes(const QDateTime &now, double minutes)
     return next;
 }
 
-void addPieces(const QString &id, StringSet &out)
-{
-    // The step-by-step listing joins the ids with "," and splits the text again, so an id that
-    // itself holds a comma arrives as its pieces.
-    if (!id.contains(u',')) {
-        out.addIfAbsent(id, id); // shares the id's text
-        return;
-    }
-    for (const QStringView piece : id.tokenize(u',')) {
-        if (!out.contains(piece)) {
-            const QString text = piece.toString();
-            out.add(text, text);
-        }
-    }
-}
-
 } // namespace
 
 cDLVController::cDLVController(ErrorReporter *reporter, QObject *parent)
@@ -305,7 +289,7 @@ StringSet cDLVController::GetAggregateBUList()
         std::vector<char> done(std::size_t(Hierarchy().count()), 0);
         for (int i = 0; i < count; ++i) {
             if (m_surface->buListSelected(i))
-                appendBUIDList(m_surface->buListId(i), ids, &done);
+                Hierarchy().appendIdList(m_surface->buListId(i), ids, &done);
         }
         m_keptAggregate = KeptList{revision, m_parentEpoch, ids};
     });
@@ -316,7 +300,7 @@ StringSet cDLVController::GetBUIDList(const QString &buID)
 {
     StringSet ids(KeyCompare::Exact);
     ErrorTrap::run(m_reporter, QStringLiteral("cDLVController.GetBUIDList"),
-                   [&] { appendBUIDList(buID, ids); });
+                   [&] { Hierarchy().appendIdList(buID, ids); });
     return ids;
 }
 
@@ -337,18 +321,4 @@ QString cDLVController::GetChildBUIDList(const QString &buID)
         }
     });
     return list;
-}
-
-void cDLVController::appendBUIDList(const QString &buID, StringSet &out,
-                                    std::vector<char> *done) const
-{
-    const BUHierarchy &hierarchy = Hierarchy();
-    addPieces(buID, out);
-    m_walk.clear();
-    if (done)
-        hierarchy.appendDescendants(buID, m_walk, *done);
-    else
-        hierarchy.appendDescendants(buID, m_walk);
-    for (const int unit : m_walk)
-        addPieces(hierarchy.id(unit), out);
 }

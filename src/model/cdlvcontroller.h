@@ -4,6 +4,7 @@
 #include "model/buhierarchy.h"
 #include "model/businessunits.h"
 #include "model/fillbusy.h"
+#include "model/unitlookups.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -68,6 +69,11 @@ public:
     [[nodiscard]] const StringSet *TimeFormats() const { return m_timeFormats.get(); }
     /// The children index of ParentBUIDs, for building the hierarchy without rescanning the map.
     [[nodiscard]] const BUHierarchy &Hierarchy() const;
+    /// The three lookups the hierarchy views read, as one record.
+    [[nodiscard]] UnitLookups Lookups() const
+    {
+        return {m_buDescriptions, m_parentBUIDs, Hierarchy()};
+    }
 
     /// Ids of the selected items of lvBU, in list order (the key less its first character).
     [[nodiscard]] StringSet GetBUList();
@@ -112,8 +118,6 @@ private:
     void LoadBUData(const QZWebTable &general, const QZWebTable &details, bool &ok);
     void UpdateRefreshTimes(const QZWebMessage &message);
 
-    void appendBUIDList(const QString &buID, StringSet &out,
-                        std::vector<char> *done = nullptr) const;
     void reportMessageError(const QZWebMessage *message, qint32 number, const QString &description);
 
     ErrorReporter *m_reporter;

@@ -5,8 +5,8 @@
 #include "model/buhierarchy.h"
 #include "model/businessunit.h"
 #include "model/businessunits.h"
-#include "model/cdlvcontroller.h"
 #include "model/counter.h"
+#include "model/unitlookups.h"
 #include "views/summarygrid.h"
 
 #include <QStringList>
@@ -351,21 +351,21 @@ bool fillBottomUp(std::vector<RowFigures> &figures, const OutlineGrid &workOrder
 }
 
 void fillUnitByUnit(std::vector<RowFigures> &figures, const OutlineGrid &workOrders,
-                    cDLVController &controller, const BusinessUnits &bus,
+                    const UnitLookups &lookups, const BusinessUnits &bus,
                     const StringSet &selection);
 
 } // namespace
 
 void HierarchyGrid::FillFigures(OutlineGrid &workOrders, OutlineGrid &points,
-                                cDLVController &controller, const BusinessUnits &bus,
+                                const UnitLookups &lookups, const BusinessUnits &bus,
                                 const StringSet &selection)
 {
     std::vector<RowFigures> figures(std::size_t(workOrders.rowCount()));
-    if (!fillBottomUp(figures, workOrders, controller.Hierarchy(), bus, selection) ||
+    if (!fillBottomUp(figures, workOrders, lookups.hierarchy, bus, selection) ||
         std::any_of(selection.begin(), selection.end(),
                     [](const auto &entry) { return entry.key.contains(u','); })) {
         figures.assign(figures.size(), RowFigures{});
-        fillUnitByUnit(figures, workOrders, controller, bus, selection);
+        fillUnitByUnit(figures, workOrders, lookups, bus, selection);
     }
     for (std::size_t row = 0; row < figures.size(); ++row) {
         const RowFigures &f = figures[row];
@@ -381,13 +381,13 @@ namespace {
 // The figures as the rows' units are added one by one, each row over its unit and every
 // descendant in the order of the step-by-step listing.
 void fillUnitByUnit(std::vector<RowFigures> &figures, const OutlineGrid &workOrders,
-                    cDLVController &controller, const BusinessUnits &bus,
+                    const UnitLookups &lookups, const BusinessUnits &bus,
                     const StringSet &selection)
 {
 
-    // The descendants come from the controller's children index. Its listing splits ids that
-    // hold a comma into pieces; only then is the general GetBUIDList() needed.
-    const BUHierarchy &hierarchy = controller.Hierarchy();
+    // The descendants come from the children index. Its listing splits ids that
+    // hold a comma into pieces; only then is the general id list needed.
+    const BUHierarchy &hierarchy = lookups.hierarchy;
     bool commaInIds = false;
     for (int u = 0; u < hierarchy.count() && !commaInIds; ++u)
         commaInIds = hierarchy.id(u).contains(u',');
@@ -401,7 +401,9 @@ void fillUnitByUnit(std::vector<RowFigures> &figures, const OutlineGrid &workOrd
             continue;
         RowFigures &f = figures[std::size_t(row)];
         if (commaInIds || entry.key.contains(u',')) {
-            for (const auto &id : controller.GetBUIDList(entry.key)) {
+            StringSet ids(KeyCompare::Exact);
+            hierarchy.appendIdList(entry.key, ids);
+            for (const auto &id : ids) {
                 if (const BusinessUnit *bu = bus.Item(id.key))
                     f.add(*bu);
             }
@@ -433,20 +435,20 @@ void HierarchyGrid::GreyUnreached(OutlineGrid &grid)
     }
 }
 
-void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, cDLVController &controller,
+void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const UnitLookups &lookups,
                          const BusinessUnits &bus, const StringSet &selection)
 {
     OutlineGrid::RedrawSuspender suspendWorkOrders(workOrders);
     OutlineGrid::RedrawSuspender suspendPoints(points);
     ClearHierarchyGrids(workOrders, points);
     const std::vector<OutlineGrid::TreeNode> nodes =
-        BuildTree(controller.BUDescriptions(), controller.ParentBUIDs(), bus);
+        BuildTree(lookups.descriptions, lookups.parents, bus);
     for (OutlineGrid *grid : {&workOrders, &points}) {
         grid->appendTree(nodes, 0, 0, true);
         if (grid->rowCount() > 1)
             grid->setBold(1, 0, grid->rowCount() - 1, 0, true);
     }
-    FillFigures(workOrders, points, controller, bus, selection);
+    FillFigures(workOrders, points, lookups, bus, selection);
     GreyUnreached(workOrders);
     GreyUnreached(points);
 }

@@ -8,7 +8,7 @@
 #include <vector>
 
 class BusinessUnits;
-class cDLVController;
+struct UnitLookups;
 
 /// The business-unit hierarchy grids (elements 1, work orders, and 2, points) over their grid
 /// data, without widgets: an outline tree of the units under the root "#", each unit under its
@@ -60,13 +60,13 @@ public:
     /// The whole fill of both grids: clear, build the tree, column 0 bold from row 1, figures of
     /// the selected units, grey rows that no selected unit reaches. Throws DLVError (6 when a sum
     /// leaves the 32-bit range; the grids then hold the tree without figures).
-    static void Fill(OutlineGrid &workOrders, OutlineGrid &points, cDLVController &controller,
+    static void Fill(OutlineGrid &workOrders, OutlineGrid &points, const UnitLookups &lookups,
                      const BusinessUnits &bus, const StringSet &selection);
 
-    /// Adds, into the row of each selected unit, the figures of every unit of its GetBUIDList()
+    /// Adds, into the row of each selected unit, the figures of the unit and of every unit below it
     /// that the model holds: a unit below several selected rows counts once in each of them.
     static void FillFigures(OutlineGrid &workOrders, OutlineGrid &points,
-                            cDLVController &controller, const BusinessUnits &bus,
+                            const UnitLookups &lookups, const BusinessUnits &bus,
                             const StringSet &selection);
 
     /// Greys every data row whose column 1 stayed empty.

@@ -70,7 +70,7 @@ struct HierarchyFill
     }
     void fill(LoadedModel &model, const QStringList &selection)
     {
-        HierarchyGrid::Fill(workOrders, points, model.controller, model.controller.BUs(),
+        HierarchyGrid::Fill(workOrders, points, model.controller.Lookups(), model.controller.BUs(),
                             ids(selection));
     }
     OutlineGrid workOrders;
