@@ -79,6 +79,15 @@ void UnitListPane::takeSelection()
 void UnitListPane::fill(std::vector<BUSelection::Item> items,
                         const std::function<bool(QStringView)> &keep)
 {
+    // A refresh mostly lists the same units with the same descriptions: the list's items then
+    // stay, and only the choice is shown anew (ten thousand items cost tens of milliseconds to
+    // build and as much to destroy).
+    const bool sameItems =
+        !m_widgets.empty() &&
+        std::equal(items.begin(), items.end(), m_items.begin(), m_items.end(),
+                   [](const BUSelection::Item &a, const BUSelection::Item &b) {
+                       return a.level == b.level && a.key == b.key && a.text == b.text;
+                   });
     m_items = std::move(items);
     m_parents = BUSelection::treeParents(m_items);
     std::vector<QString> keys;
@@ -92,27 +101,45 @@ void UnitListPane::fill(std::vector<BUSelection::Item> items,
     m_syncing = true;
     m_choice->setUnits(std::move(keys), std::move(chosen));
     m_syncing = false;
-    rebuild();
+    if (sameItems)
+        m_list->setColumnWidth(0, std::max(0, m_list->width() - 21));
+    else
+        rebuild();
     showChoice();
     applyFilter();
 }
 
 void UnitListPane::showChoice()
 {
-    // The user's choice survives a refresh: one selection change however long the list.
+    // The user's choice survives a refresh: one selection change however long the list. Chosen
+    // neighbours under one parent make one range, so that the selection of a whole list is one
+    // range (the selection model compares the old and the new selection range by range).
     QItemSelection selection;
     const QAbstractItemModel *model = m_list->model();
     std::vector<QModelIndex> &indexes = m_indexes;
     indexes.assign(m_widgets.size(), QModelIndex());
     std::vector<int> childRows(m_widgets.size() + 1, 0); // next row under each item; last: top
+    QModelIndex top;
+    QModelIndex bottom;
     for (std::size_t i = 0; i < m_widgets.size(); ++i) {
         const int parent = m_treeShown ? m_parents[i] : -1;
         const std::size_t slot = parent < 0 ? m_widgets.size() : std::size_t(parent);
-        indexes[i] = model->index(childRows[slot]++, 0,
-                                  parent < 0 ? QModelIndex() : indexes[std::size_t(parent)]);
-        if (m_choice->isChosen(int(i)))
-            selection.select(indexes[i], indexes[i]);
+        const QModelIndex index = model->index(
+            childRows[slot]++, 0, parent < 0 ? QModelIndex() : indexes[std::size_t(parent)]);
+        indexes[i] = index;
+        if (!m_choice->isChosen(int(i)))
+            continue;
+        if (bottom.isValid() && index.parent() == bottom.parent() &&
+            index.row() == bottom.row() + 1) {
+            bottom = index;
+            continue;
+        }
+        if (top.isValid())
+            selection.append(QItemSelectionRange(top, bottom));
+        top = bottom = index;
     }
+    if (top.isValid())
+        selection.append(QItemSelectionRange(top, bottom));
     m_syncing = true;
     m_list->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
     m_syncing = false;
@@ -127,6 +154,7 @@ void UnitListPane::rebuild()
     m_list->setColumnWidth(0, std::max(0, m_list->width() - 21));
     m_widgets.clear();
     m_widgets.reserve(m_items.size());
+    m_anyHidden = false;
     QList<QTreeWidgetItem *> top;
     for (std::size_t i = 0; i < m_items.size(); ++i) {
         const BUSelection::Item &item = m_items[i];
@@ -178,8 +206,14 @@ void UnitListPane::applyFilter()
 {
     const QString filter = m_treeShown ? m_filter->text().trimmed() : QString();
     const std::vector<char> visible = BUSelection::filterMatches(m_items, m_parents, filter);
-    for (std::size_t i = 0; i < m_widgets.size(); ++i)
-        m_widgets[i]->setHidden(!visible[i]);
+    const bool allVisible = std::all_of(visible.begin(), visible.end(), [](char v) { return v; });
+    if (allVisible && !m_anyHidden)
+        return; // hiding and showing goes item by item through the view: only when it changes
+    for (std::size_t i = 0; i < m_widgets.size(); ++i) {
+        if (m_widgets[i]->isHidden() != !visible[i])
+            m_widgets[i]->setHidden(!visible[i]);
+    }
+    m_anyHidden = !allVisible;
 }
 
 void UnitListPane::syncChecks()

@@ -76,5 +76,6 @@ private:
     std::vector<QTreeWidgetItem *> m_widgets; ///< owned by the list, in list order
     std::vector<QModelIndex> m_indexes;       ///< the items' indexes until the next fill
     bool m_treeShown = false;
+    bool m_anyHidden = false; ///< whether the filter hides any item
     bool m_syncing = false;
 };
