@@ -40,6 +40,11 @@ public:
     /// The "TOTAL" job type; without code and classes until the unit is totalled.
     [[nodiscard]] const JobType &TotalJobType() const { return m_totalJobType; }
 
+    /// Whether the "TOTAL" classes are exactly the unit's classes summed by code and no counter is
+    /// negative: the unit was totalled without failure. Sums over such units may then be taken
+    /// in any grouping, since no partial sum exceeds the final one.
+    [[nodiscard]] bool PlainTotals() const { return m_plainTotals; }
+
     /// 1-based row of the unit's first row in the general-information table.
     [[nodiscard]] qint32 BUIndex() const { return m_buIndex; }
     void SetBUIndex(qint32 index);
@@ -69,5 +74,6 @@ private:
     JobType m_totalJobType;
     qint32 m_buIndex = 0;
     std::array<qint32, CounterCount> m_grandTotals{};
+    bool m_plainTotals = false;
     BusinessUnits *m_owner = nullptr; // told when BUIndex changes, to refresh its BUItem index
 };

@@ -176,8 +176,10 @@ void BusinessUnits::calcTotal(BusinessUnit &bu, std::vector<int> &totalOfFold)
         totalOfFold[std::size_t(fold)] = -1;
     const int n = int(m_totals.size() - first);
     bu.m_totalJobType = JobType(JobType::TotalCode, -1, JobClasses(m_totals.data() + first, n));
-    if (n < 1)
+    if (n < 1) {
+        bu.m_plainTotals = true;
         return;
+    }
 
     std::vector<JobClass::Counters> accumulator(std::size_t(n), JobClass::Counters{});
     std::size_t firstOfType = 0;
@@ -206,6 +208,12 @@ void BusinessUnits::calcTotal(BusinessUnit &bu, std::vector<int> &totalOfFold)
             JobClass(m_totals[first + std::size_t(p)].Code(),
                      m_totals[first + std::size_t(p)].Number(), accumulator[std::size_t(p)]);
     bu.calcRates();
+    bool nonNegative = true;
+    for (const JobType &jobType : bu.m_jobTypes)
+        for (const JobClass &jobClass : jobType.Classes())
+            for (const qint32 value : jobClass.JobDetails())
+                nonNegative = nonNegative && value >= 0;
+    bu.m_plainTotals = nonNegative;
 }
 
 BusinessUnit *BusinessUnits::Item(QStringView buid)

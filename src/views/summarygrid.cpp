@@ -12,12 +12,15 @@
 #include <QHash>
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <vector>
 
 namespace {
 
 constexpr int Counters = BusinessUnit::CounterCount;
 constexpr int SummaryLastCol = SummaryGrid::ColumnCount - 1;
+// Beyond this many class codes the per-class totals are read from the units' "TOTAL" classes.
+constexpr int PlainTotalsClassLimit = 4096;
 
 /// A class row while its counters are summed over the units.
 struct SumRow
@@ -104,13 +107,14 @@ void addToPanel(PanelValues &panel, const BusinessUnit &bu)
 void addCounters(std::array<qint32, Counters> &sum, const JobClass &jc)
 {
     const std::array<qint32, Counters> &counters = jc.JobDetails();
-    bool overflow = false;
+    // Wrapping adds; a sum overflowed when its sign differs from both operands' signs.
+    qint32 overflow = 0;
     for (std::size_t s = 0; s < sum.size(); ++s) {
-        qint32 result = 0;
-        overflow |= __builtin_add_overflow(sum[s], counters[s], &result);
+        const qint32 result = qint32(quint32(sum[s]) + quint32(counters[s]));
+        overflow |= (sum[s] ^ result) & (counters[s] ^ result);
         sum[s] = result;
     }
-    if (overflow) [[unlikely]]
+    if (overflow < 0) [[unlikely]]
         throw DLVError::overflow();
 }
 
@@ -298,17 +302,28 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
     std::vector<const BusinessUnit *> units;
     units.reserve(std::size_t(buSet.count()));
     int maxClassCount = 0;
+    // When every unit's "TOTAL" classes are plain sums of its classes (see
+    // BusinessUnit::PlainTotals), the per-class totals are summed here from the classes, by code
+    // number, instead of reading every unit's "TOTAL" classes once more afterwards.
+    bool plainTotals = bus.JobClassCodes().count() <= PlainTotalsClassLimit;
     for (const auto &entry : buSet) {
         if (const BusinessUnit *bu = bus.Item(entry.key)) {
             units.push_back(bu);
             maxClassCount = std::max(maxClassCount, bu->TotalJobType().Classes().Count());
+            plainTotals = plainTotals && bu->PlainTotals();
         }
     }
+    std::vector<std::array<qint64, Counters>> classSums;
+    std::vector<int> classOrder; // class numbers in order of first appearance
+    if (plainTotals)
+        classSums.resize(std::size_t(bus.JobClassCodes().count()), {-1});
 
     // Class rows, shared across units: the same job type and class of two units add into one
     // row. Rows are found by the numbers of the codes, so finding an existing row neither builds
     // nor hashes its row data.
     std::vector<SumRow> rows;
+    // The sums apart from the rows' texts: the hot loop then touches a few dozen kilobytes.
+    std::vector<std::array<qint32, Counters>> sums;
     SumRowIndex rowOf(bus.JobTypeCodes(), bus.JobClassCodes());
     QString key;
     const auto sumClasses = [&](const BusinessUnit &bu) {
@@ -316,9 +331,18 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
             const int type = jt.Number();
             for (const JobClass &jc : jt.Classes()) {
                 const int jobClass = jc.Number();
+                if (plainTotals) {
+                    std::array<qint64, Counters> &classSum = classSums[std::size_t(jobClass)];
+                    if (classSum[0] < 0) {
+                        classSum[0] = 0;
+                        classOrder.push_back(jobClass);
+                    }
+                    for (std::size_t s = 0; s < Counters; ++s)
+                        classSum[s] += jc.JobDetails()[s];
+                }
                 if (const std::size_t known = rowOf.findPair(type, jobClass);
                     known != SumRowIndex::None) {
-                    addCounters(rows[known].sum, jc);
+                    addCounters(sums[known], jc);
                     continue;
                 }
                 setKey(key, jt.Code(), u'|', jc.Code());
@@ -329,11 +353,12 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
                     rows.push_back(SumRow{.key = key,
                                           .col1 = descriptionOr(jobTypeDescriptions, jt.Code()),
                                           .col2 = descriptionOr(jobClassDescriptions, jc.Code())});
+                    sums.emplace_back();
                     if (!plain)
                         rowOf.insertText(rows.back().key, r);
                 }
                 rowOf.insertPair(type, jobClass, r);
-                addCounters(rows[r].sum, jc);
+                addCounters(sums[r], jc);
             }
         }
     };
@@ -347,6 +372,8 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
         }
     }
     setPanelRates(panel);
+    for (std::size_t r = 0; r < rows.size(); ++r)
+        rows[r].sum = sums[r];
 
     m_grid.setOutlineCol(2);
     m_grid.setOutlineTextCol(1);
@@ -448,29 +475,40 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
     std::vector<SumRow> classRows;
     std::vector<int> classRowOf(std::size_t(bus.JobClassCodes().count()), -1);
     const int emptyType = bus.JobTypeCodes().find(QStringView());
-    for (const BusinessUnit *bu : units) {
-        for (const JobClass &jc : bu->TotalJobType().Classes()) {
-            const int jobClass = jc.Number();
-            if (const int known = classRowOf[std::size_t(jobClass)]; known >= 0) {
-                addCounters(classRows[std::size_t(known)].sum, jc);
-                continue;
+    // The row a class's total goes to: a class row of a job type with an empty code carries the
+    // same row data, otherwise a per-class total row of its own (made on first sight).
+    const auto totalRow = [&](int jobClass, const QString &code) -> std::array<qint32, Counters> & {
+        if (const int known = classRowOf[std::size_t(jobClass)]; known >= 0)
+            return classRows[std::size_t(known)].sum;
+        setKey(key, QStringView(), u'|', code);
+        const std::size_t d = rowOf.plain(emptyType, jobClass) ? rowOf.findPair(emptyType, jobClass)
+                                                               : rowOf.findText(key);
+        if (d != SumRowIndex::None) {
+            rows[d].touchedByClassTotals = true;
+            return rows[d].sum;
+        }
+        classRowOf[std::size_t(jobClass)] = int(classRows.size());
+        classRows.push_back(SumRow{
+            .key = key, .col1 = totalCaption, .col2 = descriptionOr(jobClassDescriptions, code)});
+        return classRows.back().sum;
+    };
+    if (plainTotals) {
+        // No counter is negative: a sum leaves the 32-bit range exactly when its total does.
+        for (const int jobClass : classOrder) {
+            std::array<qint32, Counters> &sum =
+                totalRow(jobClass, bus.JobClassCodes().code(jobClass));
+            const std::array<qint64, Counters> &classSum = classSums[std::size_t(jobClass)];
+            for (std::size_t s = 0; s < Counters; ++s) {
+                const qint64 total = qint64(sum[s]) + classSum[s];
+                if (total > std::numeric_limits<qint32>::max())
+                    throw DLVError::overflow();
+                sum[s] = qint32(total);
             }
-            setKey(key, QStringView(), u'|', jc.Code());
-            // A class row of a job type with an empty code carries the same row data.
-            const std::size_t d = rowOf.plain(emptyType, jobClass)
-                                      ? rowOf.findPair(emptyType, jobClass)
-                                      : rowOf.findText(key);
-            if (d != SumRowIndex::None) {
-                SumRow &row = rows[d];
-                addCounters(row.sum, jc);
-                row.touchedByClassTotals = true;
-            } else {
-                classRowOf[std::size_t(jobClass)] = int(classRows.size());
-                classRows.push_back(SumRow{.key = key,
-                                           .col1 = totalCaption,
-                                           .col2 = descriptionOr(jobClassDescriptions, jc.Code())});
-                addCounters(classRows.back().sum, jc);
-            }
+        }
+    } else {
+        for (const BusinessUnit *bu : units) {
+            for (const JobClass &jc : bu->TotalJobType().Classes())
+                addCounters(totalRow(jc.Number(), jc.Code()), jc);
         }
     }
     for (const SumRow &row : rows) {
