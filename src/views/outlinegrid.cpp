@@ -16,6 +16,12 @@ namespace {
     return QString::compare(a, b, Qt::CaseSensitive) < 0;
 }
 
+/// Equal texts; text shared between the two (a fill that wrote the same string) is not read.
+[[nodiscard]] bool sameText(const QString &a, const QString &b)
+{
+    return a.size() == b.size() && (a.constData() == b.constData() || a == b);
+}
+
 [[nodiscard]] QRgb toStored(const QColor &color)
 {
     return color.isValid() ? (color.rgb() | 0xFF000000u) : 0u;
@@ -380,6 +386,7 @@ void OutlineGrid::setText(int row, int col, const QString &text)
     Cell &c = cell(row, col);
     c.text = text;
     c.number = std::numeric_limits<double>::quiet_NaN();
+    c.digits = false;
     notifyCells(row, col, row, col);
 }
 
@@ -388,6 +395,8 @@ void OutlineGrid::setNumber(int row, int col, qint64 value)
     Cell &c = cell(row, col);
     c.text = QString::number(value);
     c.number = double(value);
+    // Above 2^53 two numbers can share a double: their texts are then compared instead.
+    c.digits = value > -(qint64(1) << 53) && value < (qint64(1) << 53);
     notifyCells(row, col, row, col);
 }
 
@@ -396,6 +405,7 @@ void OutlineGrid::setNumber(int row, int col, double value, const QString &text)
     Cell &c = cell(row, col);
     c.text = text;
     c.number = value;
+    c.digits = false;
     notifyCells(row, col, row, col);
 }
 
@@ -412,6 +422,7 @@ void OutlineGrid::setText(int row1, int col1, int row2, int col2, const QString 
             Cell &target = m_rows[size_t(r)].cells[size_t(c)];
             target.text = text;
             target.number = std::numeric_limits<double>::quiet_NaN();
+            target.digits = false;
         }
     }
     notifyCells(row1, col1, row2, col2);
@@ -998,6 +1009,23 @@ bool OutlineGrid::isRowVisible(int row) const
 void OutlineGrid::suspendRedraw()
 {
     if (m_suspend++ == 0) {
+        if (!m_observers.empty()) {
+            // Rows are copied with their texts shared: no character is copied here.
+            auto baseline = std::make_unique<OutlineGrid>();
+            baseline->m_rows = m_rows;
+            baseline->m_cols = m_cols;
+            baseline->m_fixedRows = m_fixedRows;
+            baseline->m_colWidths = m_colWidths;
+            baseline->m_outlineCol = m_outlineCol;
+            baseline->m_outlineTextCol = m_outlineTextCol;
+            baseline->m_currentRow = m_currentRow;
+            baseline->m_currentCol = m_currentCol;
+            if (!m_structureDirty) {
+                baseline->m_structure = m_structure;
+                baseline->m_structureDirty = false;
+            }
+            m_baseline = std::move(baseline);
+        }
         for (Observer *o : m_observers)
             o->gridRedrawSuspended();
     }
@@ -1008,9 +1036,75 @@ void OutlineGrid::resumeRedraw()
     if (m_suspend == 0)
         return;
     if (--m_suspend == 0) {
-        for (Observer *o : m_observers)
+        // Copy: an observer may remove itself while being told.
+        const auto observers = m_observers;
+        for (Observer *o : observers)
             o->gridRedrawResumed();
+        m_baseline.reset();
     }
+}
+
+OutlineGrid::Changes OutlineGrid::changesSince(const OutlineGrid &before) const
+{
+    Changes out;
+    out.currentCellChanged =
+        before.m_currentRow != m_currentRow || before.m_currentCol != m_currentCol;
+    const int rows = rowCount();
+    if (before.rowCount() != rows || before.m_cols != m_cols || before.m_fixedRows != m_fixedRows ||
+        before.m_outlineCol != m_outlineCol || before.m_outlineTextCol != m_outlineTextCol) {
+        out.shapeChanged = true;
+        return out;
+    }
+    // The shape first: when it differs no cell needs comparing.
+    for (int r = m_fixedRows; r < rows; ++r) {
+        const Row &a = before.m_rows[size_t(r)];
+        const Row &b = m_rows[size_t(r)];
+        if (a.node != b.node || (b.node && a.level != b.level) || !sameText(a.data, b.data)) {
+            out.shapeChanged = true;
+            return out;
+        }
+    }
+    const int textCol = m_outlineTextCol;
+    for (int r = 0; r < rows; ++r) {
+        const Row &a = before.m_rows[size_t(r)];
+        const Row &b = m_rows[size_t(r)];
+        RowChange change{r, m_cols, -1, 0};
+        for (int c = 0; c < m_cols; ++c) {
+            const Cell &x = a.cells[size_t(c)];
+            const Cell &y = b.cells[size_t(c)];
+            quint8 aspects = 0;
+            if (x.digits && y.digits ? x.number != y.number : !sameText(x.text, y.text))
+                aspects |= TextChanged;
+            if (x.back != y.back)
+                aspects |= BackChanged;
+            if (x.bold != y.bold)
+                aspects |= BoldChanged;
+            if (aspects == 0)
+                continue;
+            change.aspects |= aspects;
+            change.col1 = std::min(change.col1, c);
+            change.col2 = c;
+            // A node with an empty outline cell shows its outline-text cell's text there.
+            if (c == textCol && (aspects & TextChanged) && r >= m_fixedRows && b.node &&
+                b.cells[size_t(m_outlineCol)].text.isEmpty()) {
+                change.col1 = std::min(change.col1, m_outlineCol);
+                change.col2 = std::max(change.col2, m_outlineCol);
+            }
+        }
+        if (a.height != b.height &&
+            (a.height < 0 ? DefaultRowHeight : a.height) !=
+                (b.height < 0 ? DefaultRowHeight : b.height) &&
+            m_cols > 0) {
+            change.aspects |= HeightChanged;
+            change.col1 = 0;
+            change.col2 = m_cols - 1;
+        }
+        if (change.aspects != 0)
+            out.rows.push_back(change);
+        if (b.node && r >= m_fixedRows && a.collapsed != b.collapsed)
+            out.collapsed.push_back(r);
+    }
+    return out;
 }
 
 void OutlineGrid::setCurrentCell(int row, int col)

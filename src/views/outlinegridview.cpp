@@ -69,11 +69,15 @@ void OutlineGridView::setGrid(OutlineGrid *grid)
     connect(m_model, &QAbstractItemModel::modelAboutToBeReset, this,
             &OutlineGridView::onModelAboutToBeReset);
     connect(m_model, &QAbstractItemModel::modelReset, this, &OutlineGridView::onModelReset);
-    // A fill is one layout change: the rows that stay keep their place on screen (scroll
-    // position, current cell, expansion), and the grid's own state is applied over it.
+    // A fill that changed the rows is one layout change: the rows that stay keep their place on
+    // screen (scroll position, current cell, expansion), and the grid's own state is applied over
+    // it. A fill that kept them tells its changed cells, nodes and current cell one by one.
     connect(m_model, &QAbstractItemModel::layoutAboutToBeChanged, this,
             &OutlineGridView::onModelAboutToBeReset);
     connect(m_model, &QAbstractItemModel::layoutChanged, this, &OutlineGridView::onModelReset);
+    // Nothing paints a grid in the middle of its fill; its end repaints the view once.
+    connect(m_model, &OutlineGridModel::fillStarted, this, [this] { setUpdatesEnabled(false); });
+    connect(m_model, &OutlineGridModel::fillEnded, this, [this] { setUpdatesEnabled(true); });
     connect(m_model, &OutlineGridModel::collapseStateChanged, this,
             &OutlineGridView::onGridCollapseChanged);
     connect(m_model, &OutlineGridModel::currentCellChanged, this,
