@@ -86,6 +86,8 @@ const OutlineGrid::Cell &OutlineGrid::cell(int row, int col) const
 {
     checkRow(row);
     checkCol(col);
+    if (!m_baselineCells.empty())
+        return m_baselineCells[size_t(row) * size_t(m_cols) + size_t(col)];
     return m_rows[size_t(row)].cells[size_t(col)];
 }
 
@@ -1010,9 +1012,21 @@ void OutlineGrid::suspendRedraw()
 {
     if (m_suspend++ == 0) {
         if (!m_observers.empty()) {
-            // Rows are copied with their texts shared: no character is copied here.
+            // Rows without their cells, the cells in one block: two allocations for any size,
+            // and texts shared, not copied.
             auto baseline = std::make_unique<OutlineGrid>();
-            baseline->m_rows = m_rows;
+            baseline->m_rows.reserve(m_rows.size());
+            baseline->m_baselineCells.reserve(m_rows.size() * size_t(m_cols));
+            for (const Row &r : m_rows) {
+                baseline->m_rows.push_back(Row{.cells = {},
+                                               .data = r.data,
+                                               .height = r.height,
+                                               .level = r.level,
+                                               .node = r.node,
+                                               .collapsed = r.collapsed});
+                baseline->m_baselineCells.insert(baseline->m_baselineCells.end(), r.cells.begin(),
+                                                 r.cells.end());
+            }
             baseline->m_cols = m_cols;
             baseline->m_fixedRows = m_fixedRows;
             baseline->m_colWidths = m_colWidths;
@@ -1065,12 +1079,15 @@ OutlineGrid::Changes OutlineGrid::changesSince(const OutlineGrid &before) const
         }
     }
     const int textCol = m_outlineTextCol;
+    const bool flat = !before.m_baselineCells.empty();
     for (int r = 0; r < rows; ++r) {
         const Row &a = before.m_rows[size_t(r)];
         const Row &b = m_rows[size_t(r)];
+        const Cell *oldCells =
+            flat ? &before.m_baselineCells[size_t(r) * size_t(m_cols)] : a.cells.data();
         RowChange change{r, m_cols, -1, 0};
         for (int c = 0; c < m_cols; ++c) {
-            const Cell &x = a.cells[size_t(c)];
+            const Cell &x = oldCells[c];
             const Cell &y = b.cells[size_t(c)];
             quint8 aspects = 0;
             if (x.digits && y.digits ? x.number != y.number : !sameText(x.text, y.text))

@@ -265,7 +265,7 @@ public:
     /// The grid as the outermost suspendRedraw() found it, so that observers can tell what a fill
     /// changed when it resumes: a copy of rows and settings (texts shared, not copied), taken only
     /// when the grid has observers, and dropped once gridRedrawResumed() has been sent. nullptr at
-    /// any other time. It has no observers of its own.
+    /// any other time. It answers every read but commaText(), and has no observers of its own.
     [[nodiscard]] const OutlineGrid *fillBaseline() const noexcept { return m_baseline.get(); }
     /// Compares this grid with an earlier state of it (normally fillBaseline()) in one pass over
     /// the cells. Shown texts are compared as the grid holds them: numbers written by
@@ -350,6 +350,8 @@ private:
     std::vector<Observer *> m_observers;
 
     std::unique_ptr<OutlineGrid> m_baseline; ///< see fillBaseline()
+    /// A fill baseline's cells, row after row; its rows keep none of their own.
+    std::vector<Cell> m_baselineCells;
 
     mutable Structure m_structure;
     mutable bool m_structureDirty = true;

@@ -422,9 +422,11 @@ void OutlineGridModel::gridRedrawResumed()
 
 void OutlineGridModel::gridDestroyed()
 {
-    m_inFill = false;
+    const bool inFill = std::exchange(m_inFill, false);
     beginReset();
     m_grid = nullptr;
     m_shown = nullptr;
     endReset();
+    if (inFill) // every started fill ends
+        Q_EMIT fillEnded();
 }

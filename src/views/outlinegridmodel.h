@@ -91,7 +91,7 @@ Q_SIGNALS:
     void currentCellChanged(int row, int col);
     /// A fill began: nothing is told until it ends, and the grid may differ from what was told.
     void fillStarted();
-    /// A fill ended and its changes were told.
+    /// A fill ended and its changes were told (also sent when the grid is destroyed during one).
     void fillEnded();
 
 private:

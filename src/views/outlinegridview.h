@@ -70,6 +70,8 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
+    void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                     const QList<int> &roles = QList<int>()) override;
     void drawRow(QPainter *painter, const QStyleOptionViewItem &option,
                  const QModelIndex &index) const override;
     void drawBranches(QPainter *painter, const QRect &rect,
@@ -95,4 +97,5 @@ private:
     bool m_applying = false;
     bool m_syncingCurrent = false;
     bool m_headerPressed = false;
+    bool m_inFill = false; ///< between the model's fillStarted() and fillEnded()
 };

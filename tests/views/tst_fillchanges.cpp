@@ -450,6 +450,25 @@ TEST(FillChanges, HierarchyRefreshTellsWhatChanged)
     EXPECT_EQ(told, differing);
 }
 
+TEST(FillChanges, GridGoneInTheMiddleOfAFillEndsTheFill)
+{
+    auto g = std::make_unique<OutlineGrid>();
+    initGrid(*g);
+    refill(*g, summaryLines());
+    OutlineGridView view;
+    view.setGrid(g.get());
+    QAbstractItemModelTester tester(view.gridModel(),
+                                    QAbstractItemModelTester::FailureReportingMode::Fatal);
+    QSignalSpy ended(view.gridModel(), &OutlineGridModel::fillEnded);
+    g->suspendRedraw();
+    g->addRow();
+    EXPECT_FALSE(view.updatesEnabled());
+    g.reset();
+    EXPECT_EQ(ended.count(), 1);
+    EXPECT_TRUE(view.updatesEnabled());
+    EXPECT_EQ(view.gridModel()->rowCount(), 0);
+}
+
 // The view keeps its place either way: the current cell and the expanded nodes stay on their
 // rows, through a refresh that changes figures and through one that adds rows above them.
 TEST(FillChanges, ViewKeepsCurrentCellAndExpansionAcrossBothKindsOfRefresh)
