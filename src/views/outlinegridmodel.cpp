@@ -136,6 +136,9 @@ QVariant OutlineGridModel::data(const QModelIndex &index, int role) const
     const int col = index.column();
     if (!validRow(row) || col < 0 || col >= m_shown->colCount())
         return {};
+    // A decorator reads the grid by row number: not while the model still shows the grid as a
+    // fill found it.
+    const CellDecorator *decorator = m_shown == m_grid ? m_decorator : nullptr;
     switch (role) {
     case Qt::DisplayRole:
     case Qt::ToolTipRole: {
@@ -149,16 +152,16 @@ QVariant OutlineGridModel::data(const QModelIndex &index, int role) const
         }
         if (role == Qt::ToolTipRole)
             return DisplayText::isCut(text) ? QVariant(DisplayText::toolTip(text)) : QVariant();
-        if (m_decorator) {
-            const QString marker = m_decorator->decoration(row, col).marker;
+        if (decorator) {
+            const QString marker = decorator->decoration(row, col).marker;
             if (!marker.isEmpty())
                 return marker + u' ' + DisplayText::shown(text);
         }
         return DisplayText::shown(text);
     }
     case Qt::BackgroundRole: {
-        if (m_decorator) {
-            const QColor own = m_decorator->decoration(row, col).back;
+        if (decorator) {
+            const QColor own = decorator->decoration(row, col).back;
             if (own.isValid())
                 return own;
         }
@@ -166,8 +169,8 @@ QVariant OutlineGridModel::data(const QModelIndex &index, int role) const
         return c.isValid() ? QVariant(c) : QVariant();
     }
     case Qt::ForegroundRole:
-        if (m_decorator) {
-            const QColor own = m_decorator->decoration(row, col).text;
+        if (decorator) {
+            const QColor own = decorator->decoration(row, col).text;
             if (own.isValid())
                 return own;
         }

@@ -1,4 +1,5 @@
 #include "loadedmodel.h"
+#include "views/celldecorator.h"
 #include "views/outlinegrid.h"
 #include "views/outlinegridmodel.h"
 #include "views/outlinegridview.h"
@@ -131,6 +132,19 @@ std::vector<Notice> notices(const QSignalSpy &spy)
 
 const std::set<int> TextRoles{Qt::DisplayRole, Qt::ToolTipRole, Qt::TextAlignmentRole};
 
+/// Marks every cell, reading the grid it decorates by row number as the real ones do.
+struct ReadingDecorator final : CellDecorator
+{
+    explicit ReadingDecorator(const OutlineGrid &grid) : grid(grid) {}
+    Decoration decoration(int row, int col) const override
+    {
+        ++calls;
+        return {{}, {}, grid.text(row, col).isEmpty() ? QString() : QStringLiteral("*")};
+    }
+    const OutlineGrid &grid;
+    mutable int calls = 0;
+};
+
 } // namespace
 
 TEST(FillChanges, SameShapeTellsExactlyTheChangedCells)
@@ -261,12 +275,20 @@ TEST(FillChanges, ChangedShapeIsOneKeyedLayoutChange)
         const QPersistentModelIndex copper(m.indexForRow(4, 5)); // INS|COP, column 5
         const QPersistentModelIndex fiber(m.indexForRow(3, 3));  // INS|FIB
         const QPersistentModelIndex repair(m.indexForRow(5, 0)); // REP, a node
-        // Listeners of the announcement must still see the rows they knew.
+        // Listeners of the announcement must still see the rows they knew, and the decorator,
+        // which reads the grid as it is now, is not asked then.
+        ReadingDecorator decorator(g);
+        m.setDecorator(&decorator);
         int countSeen = -1;
-        QString keySeen;
+        QString keySeen, textSeen;
+        int decoratorCalls = -1;
         QObject::connect(&m, &QAbstractItemModel::layoutAboutToBeChanged, &m, [&] {
             countSeen = m.rowCount(m.index(0, 0));
-            keySeen = m.index(1, 0, m.index(0, 0)).data(OutlineGridModel::RowDataRole).toString();
+            const QModelIndex copperName = m.index(1, 2, m.index(0, 0));
+            keySeen = copperName.data(OutlineGridModel::RowDataRole).toString();
+            const int before = decorator.calls;
+            textSeen = copperName.data().toString();
+            decoratorCalls = decorator.calls - before;
         });
         Spies spies(m);
         std::vector<Line> lines = summaryLines();
@@ -280,6 +302,9 @@ TEST(FillChanges, ChangedShapeIsOneKeyedLayoutChange)
         EXPECT_EQ(spies.data.count(), 0) << c.name;
         EXPECT_EQ(countSeen, 2) << c.name << ": the Install node had two rows";
         EXPECT_EQ(keySeen, "INS|COP") << c.name;
+        EXPECT_EQ(textSeen, "Copper") << c.name;
+        EXPECT_EQ(decoratorCalls, 0) << c.name;
+        EXPECT_EQ(copper.data().toString(), "* " + g.text(g.findRow("INS|COP"), 5)) << c.name;
         ASSERT_TRUE(copper.isValid()) << c.name;
         EXPECT_EQ(OutlineGridModel::gridRow(copper), g.findRow("INS|COP")) << c.name;
         EXPECT_EQ(copper.column(), 5) << c.name;
