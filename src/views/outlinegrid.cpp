@@ -86,15 +86,13 @@ const OutlineGrid::Cell &OutlineGrid::cell(int row, int col) const
 {
     checkRow(row);
     checkCol(col);
-    if (!m_baselineCells.empty())
-        return m_baselineCells[size_t(row) * size_t(m_cols) + size_t(col)];
-    return m_rows[size_t(row)].cells[size_t(col)];
+    return m_rows[size_t(row)].cells.at(col);
 }
 
 OutlineGrid::Row OutlineGrid::makeRow() const
 {
     Row r;
-    r.cells.resize(size_t(m_cols));
+    r.cells.resize(m_cols);
     return r;
 }
 
@@ -277,7 +275,7 @@ void OutlineGrid::setColCount(int cols)
     beginStructure();
     m_cols = cols;
     for (Row &r : m_rows)
-        r.cells.resize(size_t(cols));
+        r.cells.resize(cols);
     m_colWidths.resize(size_t(cols), DefaultColWidth);
     if (m_outlineCol >= cols)
         m_outlineCol = 0;
@@ -647,8 +645,8 @@ void OutlineGrid::subtotal(int groupCol, const QList<int> &totalCols, const QCol
             out.push_back(std::move(row));
             continue;
         }
-        const QString &key = row.cells[size_t(groupCol)].text;
-        if (group < 0 || out[size_t(group)].cells[size_t(groupCol)].text != key) {
+        const QString &key = std::as_const(row.cells)[groupCol].text;
+        if (group < 0 || std::as_const(out[size_t(group)].cells)[groupCol].text != key) {
             closeGroup();
             Row g = makeRow();
             g.node = true;
@@ -663,7 +661,7 @@ void OutlineGrid::subtotal(int groupCol, const QList<int> &totalCols, const QCol
             std::fill(sums.begin(), sums.end(), 0.0);
         }
         for (qsizetype i = 0; i < totalCols.size(); ++i)
-            sums[size_t(i)] += Conv::leadingNumber(row.cells[size_t(totalCols[i])].text);
+            sums[size_t(i)] += Conv::leadingNumber(std::as_const(row.cells)[totalCols[i]].text);
         out.push_back(std::move(row));
     }
     closeGroup();
@@ -861,8 +859,8 @@ void OutlineGrid::sortChildren(int nodeRow, int col)
         (m_rows[size_t(c)].node ? heads : plain).push_back(c);
     }
     const auto byText = [&](int a, int b) {
-        return lessText(m_rows[size_t(a)].cells[size_t(col)].text,
-                        m_rows[size_t(b)].cells[size_t(col)].text);
+        return lessText(std::as_const(m_rows[size_t(a)].cells)[col].text,
+                        std::as_const(m_rows[size_t(b)].cells)[col].text);
     };
     std::stable_sort(plain.begin(), plain.end(), byText);
     std::stable_sort(heads.begin(), heads.end(), byText);
@@ -888,7 +886,7 @@ void OutlineGrid::sortAllChildren(int col)
     // Sort every child list (plain children ahead of nodes), then flatten depth first.
     std::vector<int> kids = s.children;
     const auto key = [&](int r) -> const QString & {
-        return m_rows[size_t(r)].cells[size_t(col)].text;
+        return std::as_const(m_rows[size_t(r)].cells)[col].text;
     };
     for (int r = m_fixedRows; r < n; ++r) {
         if (!m_rows[size_t(r)].node)
@@ -1012,21 +1010,9 @@ void OutlineGrid::suspendRedraw()
 {
     if (m_suspend++ == 0) {
         if (!m_observers.empty()) {
-            // Rows without their cells, the cells in one block: two allocations for any size,
-            // and texts shared, not copied.
+            // Rows share their cells with the grid: no cell is copied here.
             auto baseline = std::make_unique<OutlineGrid>();
-            baseline->m_rows.reserve(m_rows.size());
-            baseline->m_baselineCells.reserve(m_rows.size() * size_t(m_cols));
-            for (const Row &r : m_rows) {
-                baseline->m_rows.push_back(Row{.cells = {},
-                                               .data = r.data,
-                                               .height = r.height,
-                                               .level = r.level,
-                                               .node = r.node,
-                                               .collapsed = r.collapsed});
-                baseline->m_baselineCells.insert(baseline->m_baselineCells.end(), r.cells.begin(),
-                                                 r.cells.end());
-            }
+            baseline->m_rows = m_rows;
             baseline->m_cols = m_cols;
             baseline->m_fixedRows = m_fixedRows;
             baseline->m_colWidths = m_colWidths;
@@ -1079,16 +1065,19 @@ OutlineGrid::Changes OutlineGrid::changesSince(const OutlineGrid &before) const
         }
     }
     const int textCol = m_outlineTextCol;
-    const bool flat = !before.m_baselineCells.empty();
     for (int r = 0; r < rows; ++r) {
         const Row &a = before.m_rows[size_t(r)];
         const Row &b = m_rows[size_t(r)];
-        const Cell *oldCells =
-            flat ? &before.m_baselineCells[size_t(r) * size_t(m_cols)] : a.cells.data();
         RowChange change{r, m_cols, -1, 0};
+        if (a.cells.constData() == b.cells.constData() && a.height == b.height) {
+            // Still shared: the fill never wrote the row.
+            if (b.node && r >= m_fixedRows && a.collapsed != b.collapsed)
+                out.collapsed.push_back(r);
+            continue;
+        }
         for (int c = 0; c < m_cols; ++c) {
-            const Cell &x = oldCells[c];
-            const Cell &y = b.cells[size_t(c)];
+            const Cell &x = a.cells[c];
+            const Cell &y = b.cells[c];
             quint8 aspects = 0;
             if (x.digits && y.digits ? x.number != y.number : !sameText(x.text, y.text))
                 aspects |= TextChanged;
@@ -1103,7 +1092,7 @@ OutlineGrid::Changes OutlineGrid::changesSince(const OutlineGrid &before) const
             change.col2 = c;
             // A node with an empty outline cell shows its outline-text cell's text there.
             if (c == textCol && (aspects & TextChanged) && r >= m_fixedRows && b.node &&
-                b.cells[size_t(m_outlineCol)].text.isEmpty()) {
+                b.cells[m_outlineCol].text.isEmpty()) {
                 change.col1 = std::min(change.col1, m_outlineCol);
                 change.col2 = std::max(change.col2, m_outlineCol);
             }
@@ -1152,7 +1141,7 @@ QByteArray OutlineGrid::commaText() const
     }
     out.reserve(estimate + estimate / 16);
     for (const Row &r : m_rows) {
-        for (size_t c = 0; c < r.cells.size(); ++c) {
+        for (qsizetype c = 0; c < r.cells.size(); ++c) {
             if (c > 0)
                 out += u',';
             CsvField::append(out, r.cells[c].text);

@@ -263,9 +263,10 @@ public:
     void resumeRedraw();
     [[nodiscard]] bool isRedrawSuspended() const noexcept { return m_suspend > 0; }
     /// The grid as the outermost suspendRedraw() found it, so that observers can tell what a fill
-    /// changed when it resumes: a copy of rows and settings (texts shared, not copied), taken only
-    /// when the grid has observers, and dropped once gridRedrawResumed() has been sent. nullptr at
-    /// any other time. It answers every read but commaText(), and has no observers of its own.
+    /// changed when it resumes: rows and settings, the rows' cells shared until the fill writes
+    /// them (a fill that replaces its rows copies no cell), taken only when the grid has
+    /// observers, and dropped once gridRedrawResumed() has been sent. nullptr at any other time.
+    /// It has no observers of its own.
     [[nodiscard]] const OutlineGrid *fillBaseline() const noexcept { return m_baseline.get(); }
     /// Compares this grid with an earlier state of it (normally fillBaseline()) in one pass over
     /// the cells. Shown texts are compared as the grid holds them: numbers written by
@@ -300,7 +301,10 @@ private:
     };
     struct Row
     {
-        std::vector<Cell> cells;
+        /// Shared with a fill baseline until either side writes (implicit sharing): taking the
+        /// baseline copies no cell, and a fill that replaces its rows copies none either. Read
+        /// through const access (std::as_const) so that reading never copies.
+        QList<Cell> cells;
         QString data;
         int height = -1; ///< -1: default
         int level = 0;   ///< meaningful for nodes only
@@ -350,8 +354,6 @@ private:
     std::vector<Observer *> m_observers;
 
     std::unique_ptr<OutlineGrid> m_baseline; ///< see fillBaseline()
-    /// A fill baseline's cells, row after row; its rows keep none of their own.
-    std::vector<Cell> m_baselineCells;
 
     mutable Structure m_structure;
     mutable bool m_structureDirty = true;

@@ -243,6 +243,77 @@ TEST(FillChanges, SameShapeTellsExactlyTheChangedCells)
     }
 }
 
+// Fills that write into the rows they found (no rebuild): the rows share their cells with the
+// baseline until written, so every writer must leave the baseline as it was.
+TEST(FillChanges, InPlaceWritesAreToldAndLeaveTheBaselineAlone)
+{
+    struct Case
+    {
+        const char *name;
+        std::function<void(OutlineGrid &)> write;
+        std::vector<Notice> expected;
+    };
+    const std::set<int> back{Qt::BackgroundRole};
+    const std::set<int> font{Qt::FontRole};
+    const std::vector<Case> cases = {
+        {"nothing", [](OutlineGrid &) {}, {}},
+        {"same text again", [](OutlineGrid &g) { g.setText(3, 2, QString("Fiber")); }, {}},
+        {"same number again", [](OutlineGrid &g) { g.setNumber(3, 3, qint64(3)); }, {}},
+        {"text", [](OutlineGrid &g) { g.setText(3, 2, "Glass"); }, {{3, 2, 2, TextRoles}}},
+        {"text range",
+         [](OutlineGrid &g) { g.setText(3, 4, 4, 5, "x"); },
+         {{3, 4, 5, TextRoles}, {4, 4, 5, TextRoles}}},
+        {"number", [](OutlineGrid &g) { g.setNumber(4, 5, qint64(8)); }, {{4, 5, 5, TextRoles}}},
+        {"rate", [](OutlineGrid &g) { g.setNumber(6, 3, 7.5, "7.5"); }, {{6, 3, 3, TextRoles}}},
+        {"back colour",
+         [](OutlineGrid &g) { g.setBackColor(5, 4, QColor(Qt::red)); },
+         {{5, 4, 4, back}}},
+        {"back colour range",
+         [](OutlineGrid &g) { g.setBackColor(2, 0, 2, 1, QColor(Qt::red)); },
+         {{2, 0, 1, back}}},
+        {"bold", [](OutlineGrid &g) { g.setBold(6, 2, true); }, {{6, 2, 2, font}}},
+        {"bold range",
+         [](OutlineGrid &g) { g.setBold(3, 3, 4, 3, true); },
+         {{3, 3, 3, font}, {4, 3, 3, font}}},
+        {"clear: every filled cell",
+         [](OutlineGrid &g) {
+             for (int r = 0; r < g.rowCount(); ++r)
+                 for (int c = 0; c < g.colCount(); ++c)
+                     if (c != 1 && c != 2)
+                         g.setText(r, c, g.text(r, c)); // the same texts, unshared
+             g.clear();
+             g.setText(0, 3, 0, 5, "Work Orders");
+             g.setText(1, 2, "Jobs");
+             g.setText(1, 3, "Open");
+             g.setText(1, 4, "Late");
+             g.setText(1, 5, "Done");
+         },
+         {{2, 1, 5, TextRoles},
+          {3, 1, 5, TextRoles},
+          {4, 1, 5, TextRoles},
+          {5, 1, 5, TextRoles},
+          {6, 1, 5, TextRoles}}},
+    };
+    for (const Case &c : cases) {
+        OutlineGrid g;
+        initGrid(g);
+        refill(g, summaryLines());
+        OutlineGridModel m(&g);
+        QAbstractItemModelTester tester(&m, QAbstractItemModelTester::FailureReportingMode::Fatal);
+        Spies spies(m);
+        QByteArray baselineText;
+        {
+            OutlineGrid::RedrawSuspender suspend(g);
+            const QByteArray before = g.commaText();
+            c.write(g);
+            baselineText = g.fillBaseline()->commaText();
+            EXPECT_EQ(baselineText, before) << c.name << ": the baseline followed the fill";
+        }
+        EXPECT_EQ(spies.structural(), 0) << c.name;
+        EXPECT_EQ(notices(spies.data), c.expected) << c.name;
+    }
+}
+
 TEST(FillChanges, ChangedShapeIsOneKeyedLayoutChange)
 {
     struct Case
