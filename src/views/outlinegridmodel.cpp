@@ -417,7 +417,8 @@ void OutlineGridModel::gridRedrawResumed()
             tellChanges(changes);
         qCDebug(lcOutlineGridModel)
             << "fill ended:" << (changes.shapeChanged ? "new shape" : "same shape,")
-            << changes.rows.size() << "changed rows";
+            << changes.rows.size() << "changed rows," << changes.collapsed.size()
+            << "nodes collapsed or expanded, current cell moved:" << changes.currentCellChanged;
     }
     Q_EMIT gridLayoutChanged();
     Q_EMIT fillEnded();
