@@ -16,6 +16,12 @@ namespace {
     return QString::compare(a, b, Qt::CaseSensitive) < 0;
 }
 
+/// Equal texts; text shared between the two (a fill that wrote the same string) is not read.
+[[nodiscard]] bool sameText(const QString &a, const QString &b)
+{
+    return a.size() == b.size() && (a.constData() == b.constData() || a == b);
+}
+
 [[nodiscard]] QRgb toStored(const QColor &color)
 {
     return color.isValid() ? (color.rgb() | 0xFF000000u) : 0u;
@@ -80,13 +86,13 @@ const OutlineGrid::Cell &OutlineGrid::cell(int row, int col) const
 {
     checkRow(row);
     checkCol(col);
-    return m_rows[size_t(row)].cells[size_t(col)];
+    return m_rows[size_t(row)].cells.at(col);
 }
 
 OutlineGrid::Row OutlineGrid::makeRow() const
 {
     Row r;
-    r.cells.resize(size_t(m_cols));
+    r.cells.resize(m_cols);
     return r;
 }
 
@@ -269,7 +275,7 @@ void OutlineGrid::setColCount(int cols)
     beginStructure();
     m_cols = cols;
     for (Row &r : m_rows)
-        r.cells.resize(size_t(cols));
+        r.cells.resize(cols);
     m_colWidths.resize(size_t(cols), DefaultColWidth);
     if (m_outlineCol >= cols)
         m_outlineCol = 0;
@@ -380,6 +386,7 @@ void OutlineGrid::setText(int row, int col, const QString &text)
     Cell &c = cell(row, col);
     c.text = text;
     c.number = std::numeric_limits<double>::quiet_NaN();
+    c.digits = false;
     notifyCells(row, col, row, col);
 }
 
@@ -388,6 +395,8 @@ void OutlineGrid::setNumber(int row, int col, qint64 value)
     Cell &c = cell(row, col);
     c.text = QString::number(value);
     c.number = double(value);
+    // Above 2^53 two numbers can share a double: their texts are then compared instead.
+    c.digits = value > -(qint64(1) << 53) && value < (qint64(1) << 53);
     notifyCells(row, col, row, col);
 }
 
@@ -396,6 +405,7 @@ void OutlineGrid::setNumber(int row, int col, double value, const QString &text)
     Cell &c = cell(row, col);
     c.text = text;
     c.number = value;
+    c.digits = false;
     notifyCells(row, col, row, col);
 }
 
@@ -412,6 +422,7 @@ void OutlineGrid::setText(int row1, int col1, int row2, int col2, const QString 
             Cell &target = m_rows[size_t(r)].cells[size_t(c)];
             target.text = text;
             target.number = std::numeric_limits<double>::quiet_NaN();
+            target.digits = false;
         }
     }
     notifyCells(row1, col1, row2, col2);
@@ -634,8 +645,8 @@ void OutlineGrid::subtotal(int groupCol, const QList<int> &totalCols, const QCol
             out.push_back(std::move(row));
             continue;
         }
-        const QString &key = row.cells[size_t(groupCol)].text;
-        if (group < 0 || out[size_t(group)].cells[size_t(groupCol)].text != key) {
+        const QString &key = std::as_const(row.cells)[groupCol].text;
+        if (group < 0 || std::as_const(out[size_t(group)].cells)[groupCol].text != key) {
             closeGroup();
             Row g = makeRow();
             g.node = true;
@@ -650,7 +661,7 @@ void OutlineGrid::subtotal(int groupCol, const QList<int> &totalCols, const QCol
             std::fill(sums.begin(), sums.end(), 0.0);
         }
         for (qsizetype i = 0; i < totalCols.size(); ++i)
-            sums[size_t(i)] += Conv::leadingNumber(row.cells[size_t(totalCols[i])].text);
+            sums[size_t(i)] += Conv::leadingNumber(std::as_const(row.cells)[totalCols[i]].text);
         out.push_back(std::move(row));
     }
     closeGroup();
@@ -848,8 +859,8 @@ void OutlineGrid::sortChildren(int nodeRow, int col)
         (m_rows[size_t(c)].node ? heads : plain).push_back(c);
     }
     const auto byText = [&](int a, int b) {
-        return lessText(m_rows[size_t(a)].cells[size_t(col)].text,
-                        m_rows[size_t(b)].cells[size_t(col)].text);
+        return lessText(std::as_const(m_rows[size_t(a)].cells)[col].text,
+                        std::as_const(m_rows[size_t(b)].cells)[col].text);
     };
     std::stable_sort(plain.begin(), plain.end(), byText);
     std::stable_sort(heads.begin(), heads.end(), byText);
@@ -875,7 +886,7 @@ void OutlineGrid::sortAllChildren(int col)
     // Sort every child list (plain children ahead of nodes), then flatten depth first.
     std::vector<int> kids = s.children;
     const auto key = [&](int r) -> const QString & {
-        return m_rows[size_t(r)].cells[size_t(col)].text;
+        return std::as_const(m_rows[size_t(r)].cells)[col].text;
     };
     for (int r = m_fixedRows; r < n; ++r) {
         if (!m_rows[size_t(r)].node)
@@ -998,6 +1009,23 @@ bool OutlineGrid::isRowVisible(int row) const
 void OutlineGrid::suspendRedraw()
 {
     if (m_suspend++ == 0) {
+        if (!m_observers.empty()) {
+            // Rows share their cells with the grid: no cell is copied here.
+            auto baseline = std::make_unique<OutlineGrid>();
+            baseline->m_rows = m_rows;
+            baseline->m_cols = m_cols;
+            baseline->m_fixedRows = m_fixedRows;
+            baseline->m_colWidths = m_colWidths;
+            baseline->m_outlineCol = m_outlineCol;
+            baseline->m_outlineTextCol = m_outlineTextCol;
+            baseline->m_currentRow = m_currentRow;
+            baseline->m_currentCol = m_currentCol;
+            if (!m_structureDirty) {
+                baseline->m_structure = m_structure;
+                baseline->m_structureDirty = false;
+            }
+            m_baseline = std::move(baseline);
+        }
         for (Observer *o : m_observers)
             o->gridRedrawSuspended();
     }
@@ -1008,9 +1036,81 @@ void OutlineGrid::resumeRedraw()
     if (m_suspend == 0)
         return;
     if (--m_suspend == 0) {
-        for (Observer *o : m_observers)
+        // Copy: an observer may remove itself while being told.
+        const auto observers = m_observers;
+        for (Observer *o : observers)
             o->gridRedrawResumed();
+        m_baseline.reset();
     }
+}
+
+OutlineGrid::Changes OutlineGrid::changesSince(const OutlineGrid &before) const
+{
+    Changes out;
+    out.currentCellChanged =
+        before.m_currentRow != m_currentRow || before.m_currentCol != m_currentCol;
+    const int rows = rowCount();
+    if (before.rowCount() != rows || before.m_cols != m_cols || before.m_fixedRows != m_fixedRows ||
+        before.m_outlineCol != m_outlineCol || before.m_outlineTextCol != m_outlineTextCol) {
+        out.shapeChanged = true;
+        return out;
+    }
+    // The shape first: when it differs no cell needs comparing.
+    for (int r = m_fixedRows; r < rows; ++r) {
+        const Row &a = before.m_rows[size_t(r)];
+        const Row &b = m_rows[size_t(r)];
+        if (a.node != b.node || (b.node && a.level != b.level) || !sameText(a.data, b.data)) {
+            out.shapeChanged = true;
+            return out;
+        }
+    }
+    const int textCol = m_outlineTextCol;
+    for (int r = 0; r < rows; ++r) {
+        const Row &a = before.m_rows[size_t(r)];
+        const Row &b = m_rows[size_t(r)];
+        RowChange change{r, m_cols, -1, 0};
+        if (a.cells.constData() == b.cells.constData() && a.height == b.height) {
+            // Still shared: the fill never wrote the row.
+            if (b.node && r >= m_fixedRows && a.collapsed != b.collapsed)
+                out.collapsed.push_back(r);
+            continue;
+        }
+        for (int c = 0; c < m_cols; ++c) {
+            const Cell &x = a.cells[c];
+            const Cell &y = b.cells[c];
+            quint8 aspects = 0;
+            if (x.digits && y.digits ? x.number != y.number : !sameText(x.text, y.text))
+                aspects |= TextChanged;
+            if (x.back != y.back)
+                aspects |= BackChanged;
+            if (x.bold != y.bold)
+                aspects |= BoldChanged;
+            if (aspects == 0)
+                continue;
+            change.aspects |= aspects;
+            change.col1 = std::min(change.col1, c);
+            change.col2 = c;
+            // A node with an empty outline cell shows its outline-text cell's text there.
+            if (c == textCol && (aspects & TextChanged) && r >= m_fixedRows && b.node &&
+                b.cells[m_outlineCol].text.isEmpty()) {
+                change.col1 = std::min(change.col1, m_outlineCol);
+                change.col2 = std::max(change.col2, m_outlineCol);
+            }
+        }
+        if (a.height != b.height &&
+            (a.height < 0 ? DefaultRowHeight : a.height) !=
+                (b.height < 0 ? DefaultRowHeight : b.height) &&
+            m_cols > 0) {
+            change.aspects |= HeightChanged;
+            change.col1 = 0;
+            change.col2 = m_cols - 1;
+        }
+        if (change.aspects != 0)
+            out.rows.push_back(change);
+        if (b.node && r >= m_fixedRows && a.collapsed != b.collapsed)
+            out.collapsed.push_back(r);
+    }
+    return out;
 }
 
 void OutlineGrid::setCurrentCell(int row, int col)
@@ -1041,7 +1141,7 @@ QByteArray OutlineGrid::commaText() const
     }
     out.reserve(estimate + estimate / 16);
     for (const Row &r : m_rows) {
-        for (size_t c = 0; c < r.cells.size(); ++c) {
+        for (qsizetype c = 0; c < r.cells.size(); ++c) {
             if (c > 0)
                 out += u',';
             CsvField::append(out, r.cells[c].text);

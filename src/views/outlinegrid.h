@@ -8,6 +8,7 @@
 #include <QtGlobal>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -59,6 +60,37 @@ public:
         /// Redraw was switched back on: everything may have changed.
         virtual void gridRedrawResumed() = 0;
         virtual void gridDestroyed() = 0;
+    };
+
+    /// What changed in one row between two states of a grid (see changesSince()).
+    enum CellAspect : quint8
+    {
+        TextChanged = 1,  ///< the text a cell shows
+        BackChanged = 2,  ///< back colour
+        BoldChanged = 4,  ///< bold
+        HeightChanged = 8 ///< the row's height (every column of the row)
+    };
+    struct RowChange
+    {
+        int row = 0;
+        int col1 = 0; ///< first and last changed column
+        int col2 = 0;
+        quint8 aspects = 0; ///< CellAspect bits, over all changed cells of the row
+    };
+    /// The difference between two states of a grid, cell by cell when the shape is the same.
+    struct Changes
+    {
+        /// Row count, fixed rows, columns, the outline columns, or a data row's row data, node
+        /// flag or node level differ: the rows cannot be matched by position and nothing else is
+        /// listed.
+        bool shapeChanged = false;
+        std::vector<RowChange> rows; ///< rows with changed cells, fixed rows included, in order
+        std::vector<int> collapsed;  ///< node rows whose collapsed state differs
+        bool currentCellChanged = false;
+        [[nodiscard]] bool empty() const
+        {
+            return !shapeChanged && rows.empty() && collapsed.empty() && !currentCellChanged;
+        }
     };
 
     /// One node for appendTree(): parent is an index into the same list, or -1 for a top node.
@@ -230,6 +262,18 @@ public:
     void suspendRedraw();
     void resumeRedraw();
     [[nodiscard]] bool isRedrawSuspended() const noexcept { return m_suspend > 0; }
+    /// The grid as the outermost suspendRedraw() found it, so that observers can tell what a fill
+    /// changed when it resumes: rows and settings, the rows' cells shared until the fill writes
+    /// them (a fill that replaces its rows copies no cell), taken only when the grid has
+    /// observers, and dropped once gridRedrawResumed() has been sent. nullptr at any other time.
+    /// It has no observers of its own.
+    [[nodiscard]] const OutlineGrid *fillBaseline() const noexcept { return m_baseline.get(); }
+    /// Compares this grid with an earlier state of it (normally fillBaseline()) in one pass over
+    /// the cells. Shown texts are compared as the grid holds them: numbers written by
+    /// setNumber(row, col, qint64) as numbers, other texts by their characters (shared text
+    /// without reading it). A node's outline-text cell that shows in its empty outline cell
+    /// widens its row's range to the outline column.
+    [[nodiscard]] Changes changesSince(const OutlineGrid &before) const;
 
     [[nodiscard]] int currentRow() const noexcept { return m_currentRow; }
     [[nodiscard]] int currentCol() const noexcept { return m_currentCol; }
@@ -253,10 +297,14 @@ private:
         double number = std::numeric_limits<double>::quiet_NaN();
         QRgb back = 0; ///< alpha 0: no colour set
         bool bold = false;
+        bool digits = false; ///< text is number's decimal digits: equal numbers, equal text
     };
     struct Row
     {
-        std::vector<Cell> cells;
+        /// Shared with a fill baseline until either side writes (implicit sharing): taking the
+        /// baseline copies no cell, and a fill that replaces its rows copies none either. Read
+        /// through const access (std::as_const) so that reading never copies.
+        QList<Cell> cells;
         QString data;
         int height = -1; ///< -1: default
         int level = 0;   ///< meaningful for nodes only
@@ -304,6 +352,8 @@ private:
     int m_currentCol = 0;
     int m_suspend = 0;
     std::vector<Observer *> m_observers;
+
+    std::unique_ptr<OutlineGrid> m_baseline; ///< see fillBaseline()
 
     mutable Structure m_structure;
     mutable bool m_structureDirty = true;

@@ -4,8 +4,12 @@
 #include "views/celldecorator.h"
 
 #include <QColor>
+#include <QLoggingCategory>
 #include <QSize>
 #include <algorithm>
+#include <utility>
+
+Q_LOGGING_CATEGORY(lcOutlineGridModel, "dlv.views.outlinegridmodel", QtWarningMsg)
 
 namespace {
 
@@ -27,7 +31,7 @@ constexpr int MaxRowsPerCellNotice = 512;
 } // namespace
 
 OutlineGridModel::OutlineGridModel(OutlineGrid *grid, QObject *parent)
-    : QAbstractItemModel(parent), m_grid(grid)
+    : QAbstractItemModel(parent), m_grid(grid), m_shown(grid)
 {
     m_boldFont.setBold(true);
     // Attached in the middle of a fill, the model shows the grid as it is; resuming resets it.
@@ -48,14 +52,14 @@ int OutlineGridModel::gridRow(const QModelIndex &index)
 
 bool OutlineGridModel::validRow(int row) const
 {
-    return m_grid && row >= m_grid->fixedRows() && row < m_grid->rowCount();
+    return m_shown && row >= m_shown->fixedRows() && row < m_shown->rowCount();
 }
 
 QModelIndex OutlineGridModel::indexForRow(int row, int col) const
 {
-    if (!validRow(row) || col < 0 || col >= m_grid->colCount())
+    if (!validRow(row) || col < 0 || col >= m_shown->colCount())
         return {};
-    return createIndex(m_grid->positionInParent(row), col, quintptr(row));
+    return createIndex(m_shown->positionInParent(row), col, quintptr(row));
 }
 
 void OutlineGridModel::setTwipsPerPixel(double x, double y)
@@ -68,7 +72,7 @@ void OutlineGridModel::setTwipsPerPixel(double x, double y)
 
 QModelIndex OutlineGridModel::index(int row, int column, const QModelIndex &parent) const
 {
-    if (!m_grid || row < 0 || column < 0 || column >= m_grid->colCount())
+    if (!m_shown || row < 0 || column < 0 || column >= m_shown->colCount())
         return {};
     int parentRow = -1;
     if (parent.isValid()) {
@@ -76,7 +80,7 @@ QModelIndex OutlineGridModel::index(int row, int column, const QModelIndex &pare
             return {};
         parentRow = gridRow(parent);
     }
-    const int child = m_grid->childRowAt(parentRow, row);
+    const int child = m_shown->childRowAt(parentRow, row);
     return child < 0 ? QModelIndex() : createIndex(row, column, quintptr(child));
 }
 
@@ -85,35 +89,35 @@ QModelIndex OutlineGridModel::parent(const QModelIndex &child) const
     const int row = gridRow(child);
     if (!validRow(row))
         return {};
-    const int p = m_grid->parentRow(row);
-    return p < 0 ? QModelIndex() : createIndex(m_grid->positionInParent(p), 0, quintptr(p));
+    const int p = m_shown->parentRow(row);
+    return p < 0 ? QModelIndex() : createIndex(m_shown->positionInParent(p), 0, quintptr(p));
 }
 
 QModelIndex OutlineGridModel::sibling(int row, int column, const QModelIndex &idx) const
 {
     // Same row, other column: no tree walk needed.
-    if (idx.isValid() && row == idx.row() && m_grid && column >= 0 && column < m_grid->colCount() &&
-        validRow(gridRow(idx)))
+    if (idx.isValid() && row == idx.row() && m_shown && column >= 0 &&
+        column < m_shown->colCount() && validRow(gridRow(idx)))
         return createIndex(row, column, idx.internalId());
     return QAbstractItemModel::sibling(row, column, idx);
 }
 
 int OutlineGridModel::rowCount(const QModelIndex &parent) const
 {
-    if (!m_grid)
+    if (!m_shown)
         return 0;
     if (!parent.isValid())
-        return m_grid->childCount(-1);
+        return m_shown->childCount(-1);
     if (parent.column() != 0 || !validRow(gridRow(parent)))
         return 0;
-    return m_grid->childCount(gridRow(parent));
+    return m_shown->childCount(gridRow(parent));
 }
 
 int OutlineGridModel::columnCount(const QModelIndex &parent) const
 {
-    if (!m_grid || (parent.isValid() && parent.column() != 0))
+    if (!m_shown || (parent.isValid() && parent.column() != 0))
         return 0;
-    return m_grid->colCount();
+    return m_shown->colCount();
 }
 
 bool OutlineGridModel::hasChildren(const QModelIndex &parent) const
@@ -130,61 +134,64 @@ QVariant OutlineGridModel::data(const QModelIndex &index, int role) const
 {
     const int row = gridRow(index);
     const int col = index.column();
-    if (!validRow(row) || col < 0 || col >= m_grid->colCount())
+    if (!validRow(row) || col < 0 || col >= m_shown->colCount())
         return {};
+    // A decorator reads the grid by row number: not while the model still shows the grid as a
+    // fill found it.
+    const CellDecorator *decorator = m_shown == m_grid ? m_decorator : nullptr;
     switch (role) {
     case Qt::DisplayRole:
     case Qt::ToolTipRole: {
-        const QString &text = m_grid->text(row, col);
-        if (text.isEmpty() && col == m_grid->outlineCol() && m_grid->outlineTextCol() >= 0 &&
-            m_grid->isNode(row)) {
-            const QString &outlineText = m_grid->text(row, m_grid->outlineTextCol());
+        const QString &text = m_shown->text(row, col);
+        if (text.isEmpty() && col == m_shown->outlineCol() && m_shown->outlineTextCol() >= 0 &&
+            m_shown->isNode(row)) {
+            const QString &outlineText = m_shown->text(row, m_shown->outlineTextCol());
             if (role == Qt::ToolTipRole && DisplayText::isCut(outlineText))
                 return DisplayText::toolTip(outlineText);
             return DisplayText::shown(outlineText);
         }
         if (role == Qt::ToolTipRole)
             return DisplayText::isCut(text) ? QVariant(DisplayText::toolTip(text)) : QVariant();
-        if (m_decorator) {
-            const QString marker = m_decorator->decoration(row, col).marker;
+        if (decorator) {
+            const QString marker = decorator->decoration(row, col).marker;
             if (!marker.isEmpty())
                 return marker + u' ' + DisplayText::shown(text);
         }
         return DisplayText::shown(text);
     }
     case Qt::BackgroundRole: {
-        if (m_decorator) {
-            const QColor own = m_decorator->decoration(row, col).back;
+        if (decorator) {
+            const QColor own = decorator->decoration(row, col).back;
             if (own.isValid())
                 return own;
         }
-        const QColor c = m_grid->backColor(row, col);
+        const QColor c = m_shown->backColor(row, col);
         return c.isValid() ? QVariant(c) : QVariant();
     }
     case Qt::ForegroundRole:
-        if (m_decorator) {
-            const QColor own = m_decorator->decoration(row, col).text;
+        if (decorator) {
+            const QColor own = decorator->decoration(row, col).text;
             if (own.isValid())
                 return own;
         }
         return {};
     case Qt::FontRole:
-        return m_grid->isBold(row, col) ? QVariant(m_boldFont) : QVariant();
+        return m_shown->isBold(row, col) ? QVariant(m_boldFont) : QVariant();
     case Qt::TextAlignmentRole:
-        if (col != m_grid->outlineCol() && looksNumeric(m_grid->text(row, col)))
+        if (col != m_shown->outlineCol() && looksNumeric(m_shown->text(row, col)))
             return QVariant(Qt::AlignRight | Qt::AlignVCenter);
         return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
     case Qt::SizeHintRole:
-        return QSize(qRound(m_grid->colWidth(col) / m_twipsPerPixelX),
-                     qRound(m_grid->rowHeight(row) / m_twipsPerPixelY));
+        return QSize(qRound(m_shown->colWidth(col) / m_twipsPerPixelX),
+                     qRound(m_shown->rowHeight(row) / m_twipsPerPixelY));
     case RowDataRole:
-        return m_grid->rowData(row);
+        return m_shown->rowData(row);
     case GridRowRole:
         return row;
     case IsNodeRole:
-        return m_grid->isNode(row);
+        return m_shown->isNode(row);
     case OutlineLevelRole:
-        return m_grid->outlineLevel(row);
+        return m_shown->outlineLevel(row);
     default:
         return {};
     }
@@ -192,37 +199,37 @@ QVariant OutlineGridModel::data(const QModelIndex &index, int role) const
 
 QVariant OutlineGridModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    if (!m_grid || orientation != Qt::Horizontal || section < 0 || section >= m_grid->colCount())
+    if (!m_shown || orientation != Qt::Horizontal || section < 0 || section >= m_shown->colCount())
         return {};
-    const int fixed = m_grid->fixedRows();
+    const int fixed = m_shown->fixedRows();
     const int captionRow = fixed - 1;
     const int bandRow = fixed >= 2 ? 0 : -1;
     switch (role) {
     case Qt::DisplayRole:
-        return captionRow >= 0 ? m_grid->text(captionRow, section) : QString();
+        return captionRow >= 0 ? m_shown->text(captionRow, section) : QString();
     case Qt::BackgroundRole:
-        if (captionRow >= 0 && m_grid->backColor(captionRow, section).isValid())
-            return m_grid->backColor(captionRow, section);
+        if (captionRow >= 0 && m_shown->backColor(captionRow, section).isValid())
+            return m_shown->backColor(captionRow, section);
         return {};
     case Qt::FontRole:
-        return captionRow >= 0 && m_grid->isBold(captionRow, section) ? QVariant(m_boldFont)
-                                                                      : QVariant();
+        return captionRow >= 0 && m_shown->isBold(captionRow, section) ? QVariant(m_boldFont)
+                                                                       : QVariant();
     case Qt::TextAlignmentRole:
         return QVariant(Qt::AlignCenter);
     case BandTextRole:
-        return bandRow >= 0 ? m_grid->text(bandRow, section) : QString();
+        return bandRow >= 0 ? m_shown->text(bandRow, section) : QString();
     case BandBackgroundRole:
-        if (bandRow >= 0 && m_grid->backColor(bandRow, section).isValid())
-            return m_grid->backColor(bandRow, section);
+        if (bandRow >= 0 && m_shown->backColor(bandRow, section).isValid())
+            return m_shown->backColor(bandRow, section);
         return {};
     case BandBoldRole:
-        return bandRow >= 0 && m_grid->isBold(bandRow, section);
+        return bandRow >= 0 && m_shown->isBold(bandRow, section);
     case CaptionBoldRole:
-        return captionRow >= 0 && m_grid->isBold(captionRow, section);
+        return captionRow >= 0 && m_shown->isBold(captionRow, section);
     case BandHeightRole:
-        return bandRow >= 0 ? m_grid->rowHeight(bandRow) : 0;
+        return bandRow >= 0 ? m_shown->rowHeight(bandRow) : 0;
     case CaptionHeightRole:
-        return captionRow >= 0 ? m_grid->rowHeight(captionRow) : 0;
+        return captionRow >= 0 ? m_shown->rowHeight(captionRow) : 0;
     default:
         return {};
     }
@@ -234,7 +241,7 @@ Qt::ItemFlags OutlineGridModel::flags(const QModelIndex &index) const
     if (!validRow(row))
         return Qt::NoItemFlags;
     Qt::ItemFlags f = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
-    if (!m_grid->isNode(row))
+    if (!m_shown->isNode(row))
         f |= Qt::ItemNeverHasChildren;
     return f;
 }
@@ -324,64 +331,106 @@ void OutlineGridModel::gridCurrentCellChanged(int row, int col)
         Q_EMIT currentCellChanged(row, col);
 }
 
-void OutlineGridModel::beginLayoutChange()
+const QList<int> &OutlineGridModel::rolesOf(quint8 aspects) const
 {
-    if (m_inReset || m_inLayoutChange)
-        return;
-    m_inLayoutChange = true;
-    Q_EMIT layoutAboutToBeChanged();
-    // Keys first, while the grid still holds the rows the indexes point at.
-    m_movingIndexes = persistentIndexList();
-    m_movingKeys.clear();
-    m_movingKeys.reserve(std::size_t(m_movingIndexes.size()));
-    for (const QModelIndex &index : std::as_const(m_movingIndexes)) {
-        const int row = gridRow(index);
-        m_movingKeys.emplace_back(validRow(row) ? m_grid->rowData(row) : QString(), index.column());
+    QList<int> &roles = m_roles[aspects & 15u];
+    if (roles.isEmpty()) {
+        if (aspects & OutlineGrid::TextChanged) // alignment follows the text (numbers go right)
+            roles << Qt::DisplayRole << Qt::ToolTipRole << Qt::TextAlignmentRole;
+        if (aspects & OutlineGrid::BackChanged)
+            roles << Qt::BackgroundRole;
+        if (aspects & OutlineGrid::BoldChanged)
+            roles << Qt::FontRole;
+        if (aspects & OutlineGrid::HeightChanged)
+            roles << Qt::SizeHintRole;
     }
+    return roles;
 }
 
-void OutlineGridModel::endLayoutChange()
+void OutlineGridModel::tellChanges(const OutlineGrid::Changes &changes)
 {
-    if (!m_inLayoutChange)
-        return;
-    m_inLayoutChange = false;
-    QModelIndexList moved;
-    moved.reserve(m_movingIndexes.size());
-    for (const auto &[key, col] : m_movingKeys) {
-        // findRow() goes through the grid's row-data index: linear in the persistent indexes.
-        const int row = m_grid && !key.isEmpty() ? m_grid->findRow(key) : -1;
-        moved.append(row >= 0 ? indexForRow(row, col) : QModelIndex());
+    const int fixed = m_grid->fixedRows();
+    int headerCol1 = m_grid->colCount();
+    int headerCol2 = -1;
+    for (const OutlineGrid::RowChange &change : changes.rows) {
+        if (change.row < fixed) {
+            headerCol1 = std::min(headerCol1, change.col1);
+            headerCol2 = std::max(headerCol2, change.col2);
+            continue;
+        }
+        Q_EMIT dataChanged(indexForRow(change.row, change.col1),
+                           indexForRow(change.row, change.col2), rolesOf(change.aspects));
     }
-    changePersistentIndexList(m_movingIndexes, moved);
-    m_movingIndexes.clear();
-    m_movingKeys.clear();
+    if (headerCol2 >= headerCol1)
+        Q_EMIT headerDataChanged(Qt::Horizontal, headerCol1, headerCol2);
+    for (const int row : changes.collapsed)
+        Q_EMIT collapseStateChanged(indexForRow(row, 0), m_grid->isCollapsed(row));
+    if (changes.currentCellChanged)
+        Q_EMIT currentCellChanged(m_grid->currentRow(), m_grid->currentCol());
+}
+
+void OutlineGridModel::tellKeyedLayoutChange(const OutlineGrid &before)
+{
+    m_inLayoutChange = true;
+    // Listeners save their indexes now, from the rows they knew: show the grid as it was.
+    m_shown = &before;
+    Q_EMIT layoutAboutToBeChanged();
+    const QModelIndexList from = persistentIndexList();
+    m_shown = m_grid;
+    QModelIndexList to;
+    to.reserve(from.size());
+    for (const QModelIndex &index : from) {
+        const int row = gridRow(index);
+        // The key is read where the baseline keeps it; findRow() goes through the grid's row-data
+        // index: linear in the persistent indexes.
+        const bool known = row >= before.fixedRows() && row < before.rowCount();
+        const QString *key = known ? &before.rowData(row) : nullptr;
+        const int now = key && !key->isEmpty() ? m_grid->findRow(*key) : -1;
+        to.append(now >= 0 ? indexForRow(now, index.column()) : QModelIndex());
+    }
+    changePersistentIndexList(from, to);
+    m_inLayoutChange = false;
     Q_EMIT layoutChanged();
 }
 
 void OutlineGridModel::gridRedrawSuspended()
 {
-    beginLayoutChange();
+    m_inFill = true;
+    Q_EMIT fillStarted();
 }
 
 void OutlineGridModel::gridRedrawResumed()
 {
-    if (m_inLayoutChange) {
-        endLayoutChange();
-    } else {
+    const bool sawStart = std::exchange(m_inFill, false);
+    const OutlineGrid *before = m_grid->fillBaseline();
+    if (!sawStart || !before) {
         // Attached in the middle of a fill: show the grid as it is now.
         beginReset();
         endReset();
+    } else {
+        const OutlineGrid::Changes changes = m_grid->changesSince(*before);
+        // Many nodes changing state are applied by a view in one pass after a layout change;
+        // one by one each would relayout the tree.
+        if (changes.shapeChanged || changes.collapsed.size() > MaxRowsPerCellNotice)
+            tellKeyedLayoutChange(*before);
+        else
+            tellChanges(changes);
+        qCDebug(lcOutlineGridModel)
+            << "fill ended:" << (changes.shapeChanged ? "new shape" : "same shape,")
+            << changes.rows.size() << "changed rows," << changes.collapsed.size()
+            << "nodes collapsed or expanded, current cell moved:" << changes.currentCellChanged;
     }
     Q_EMIT gridLayoutChanged();
+    Q_EMIT fillEnded();
 }
 
 void OutlineGridModel::gridDestroyed()
 {
-    if (m_inLayoutChange) {
-        m_grid = nullptr;
-        endLayoutChange(); // every index becomes invalid
-    }
+    const bool inFill = std::exchange(m_inFill, false);
     beginReset();
     m_grid = nullptr;
+    m_shown = nullptr;
     endReset();
+    if (inFill) // every started fill ends
+        Q_EMIT fillEnded();
 }

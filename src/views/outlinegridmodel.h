@@ -6,6 +6,7 @@ class CellDecorator;
 
 #include <QAbstractItemModel>
 #include <QFont>
+#include <array>
 
 /// A tree-shaped item model over an OutlineGrid. Data rows (from the first non-fixed row) form the
 /// tree by outline level: nodes hold their children, plain rows are leaves. Each index's internal
@@ -14,11 +15,19 @@ class CellDecorator;
 ///
 /// The grid stays the single source of truth. Cell changes become dataChanged(); a structural
 /// change made alone becomes one model reset. A fill (everything between suspending and resuming
-/// the grid's redraw) becomes one layout change keyed by row data: every persistent index (a
-/// view's current cell, its expanded nodes, its scroll anchor, a host's own) follows its row to
-/// wherever the row with the same row data stands after the fill, or becomes invalid when no such
-/// row remains. So rows that stay keep their identity across refreshes, and a fill of any size
-/// costs one notice.
+/// the grid's redraw) is told when it ends, by comparing the grid with the state the fill found
+/// (OutlineGrid::fillBaseline()):
+/// - Same shape (rows, row data, outline tree, columns): one dataChanged() per changed row over
+///   its changed columns with the roles that changed, headerDataChanged() for the fixed rows,
+///   collapseStateChanged() per node whose state changed, currentCellChanged() when the grid's
+///   current cell moved. Nothing at all when nothing changed. Indexes stay as they are.
+/// - Otherwise one layout change keyed by row data: every persistent index (a view's current
+///   cell, its expanded nodes, its scroll anchor, a host's own) follows its row to wherever the
+///   row with the same row data stands after the fill, or becomes invalid when no such row
+///   remains. While layoutAboutToBeChanged() is being sent the model still shows the grid as the
+///   fill found it, so listeners save indexes of the rows they knew.
+/// So rows that stay keep their identity across refreshes, and a fill of any size costs one
+/// pass over the cells and at most one notice per changed row.
 /// The grid must outlive the model or tell it that it is gone (it does so from its destructor).
 class OutlineGridModel final : public QAbstractItemModel, private OutlineGrid::Observer
 {
@@ -80,6 +89,10 @@ Q_SIGNALS:
     void gridLayoutChanged();
     /// The grid's current cell was set by code.
     void currentCellChanged(int row, int col);
+    /// A fill began: nothing is told until it ends, and the grid may differ from what was told.
+    void fillStarted();
+    /// A fill ended and its changes were told (also sent when the grid is destroyed during one).
+    void fillEnded();
 
 private:
     void gridStructureAboutToChange() override;
@@ -93,21 +106,28 @@ private:
     void gridDestroyed() override;
 
     [[nodiscard]] bool validRow(int row) const;
+    /// The roles of a row's changed aspects (OutlineGrid::CellAspect bits).
+    [[nodiscard]] const QList<int> &rolesOf(quint8 aspects) const;
+    /// Tells a fill that kept the grid's shape, change by change.
+    void tellChanges(const OutlineGrid::Changes &changes);
+    /// Tells a fill that changed the shape as one layout change keyed by row data.
+    void tellKeyedLayoutChange(const OutlineGrid &before);
     /// Inside a reset or a fill's layout change the views must not hear of single changes.
     [[nodiscard]] bool restructuring() const noexcept { return m_inReset || m_inLayoutChange; }
     void beginReset();
     void endReset();
-    void beginLayoutChange();
-    void endLayoutChange();
 
     OutlineGrid *m_grid = nullptr;
+    /// What the model answers from: the grid, or while a layout change is being announced the
+    /// grid as the fill found it.
+    const OutlineGrid *m_shown = nullptr;
     const CellDecorator *m_decorator = nullptr;
     QFont m_boldFont;
     double m_twipsPerPixelX = 15.0;
     double m_twipsPerPixelY = 15.0;
     bool m_inReset = false;
     bool m_inLayoutChange = false;
-    /// The row data and column of each persistent index when the fill began.
-    QModelIndexList m_movingIndexes;
-    std::vector<std::pair<QString, int>> m_movingKeys;
+    /// The model saw the fill begin (attached in the middle of one, it resets at its end).
+    bool m_inFill = false;
+    mutable std::array<QList<int>, 16> m_roles; ///< by CellAspect bits, built on first use
 };

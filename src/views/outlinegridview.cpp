@@ -60,6 +60,7 @@ void OutlineGridView::setGrid(OutlineGrid *grid)
 {
     OutlineGridModel *old = m_model;
     m_model = nullptr;
+    m_inFill = false;
     setModel(nullptr);
     delete old;
     if (!grid)
@@ -69,11 +70,21 @@ void OutlineGridView::setGrid(OutlineGrid *grid)
     connect(m_model, &QAbstractItemModel::modelAboutToBeReset, this,
             &OutlineGridView::onModelAboutToBeReset);
     connect(m_model, &QAbstractItemModel::modelReset, this, &OutlineGridView::onModelReset);
-    // A fill is one layout change: the rows that stay keep their place on screen (scroll
-    // position, current cell, expansion), and the grid's own state is applied over it.
+    // A fill that changed the rows is one layout change: the rows that stay keep their place on
+    // screen (scroll position, current cell, expansion), and the grid's own state is applied over
+    // it. A fill that kept them tells its changed cells, nodes and current cell one by one.
     connect(m_model, &QAbstractItemModel::layoutAboutToBeChanged, this,
             &OutlineGridView::onModelAboutToBeReset);
     connect(m_model, &QAbstractItemModel::layoutChanged, this, &OutlineGridView::onModelReset);
+    // Nothing paints a grid in the middle of its fill; its end repaints the view once.
+    connect(m_model, &OutlineGridModel::fillStarted, this, [this] {
+        m_inFill = true;
+        setUpdatesEnabled(false);
+    });
+    connect(m_model, &OutlineGridModel::fillEnded, this, [this] {
+        m_inFill = false;
+        setUpdatesEnabled(true);
+    });
     connect(m_model, &OutlineGridModel::collapseStateChanged, this,
             &OutlineGridView::onGridCollapseChanged);
     connect(m_model, &OutlineGridModel::currentCellChanged, this,
@@ -229,6 +240,18 @@ void OutlineGridView::onSectionResized(int logicalIndex, int, int newSize)
     m_applying = true;
     g->setColWidth(logicalIndex, qRound(newSize * twipsPerPixelX()));
     m_applying = false;
+}
+
+void OutlineGridView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                                  const QList<int> &roles)
+{
+    // The changed rows of a fill come one notice each, and the tree view looks each one up among
+    // its shown rows (all of them for a row inside a collapsed node): thousands of notices would
+    // cost far more than the fill. The fill's end repaints the whole view anyway; only a changed
+    // row height needs the tree view's own handling.
+    if (m_inFill && !roles.isEmpty() && !roles.contains(Qt::SizeHintRole))
+        return;
+    QTreeView::dataChanged(topLeft, bottomRight, roles);
 }
 
 void OutlineGridView::currentChanged(const QModelIndex &current, const QModelIndex &previous)

@@ -12,9 +12,10 @@ class OutlineGridModel;
 /// single-cell selection and no editing.
 ///
 /// The grid is the source of truth in both directions: expanding or collapsing a node by mouse or
-/// keyboard writes the node's state into the grid, and after every model reset (one per fill) the
-/// grid's collapsed states, widths and current cell are applied to the view in one pass. The view
-/// reports its current cell to the grid (grid row and column numbering).
+/// keyboard writes the node's state into the grid, and after every model reset or layout change (a
+/// fill that changed the rows) the grid's collapsed states, widths and current cell are applied to
+/// the view in one pass; a fill that kept the rows tells only what changed. The view reports its
+/// current cell to the grid (grid row and column numbering).
 ///
 /// Keyboard: arrows move between cells; in the outline column Left collapses a node (or moves to
 /// its parent) and Right expands it; "+" expands, "-" collapses and "*" expands a node with its
@@ -69,6 +70,8 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
+    void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                     const QList<int> &roles = QList<int>()) override;
     void drawRow(QPainter *painter, const QStyleOptionViewItem &option,
                  const QModelIndex &index) const override;
     void drawBranches(QPainter *painter, const QRect &rect,
@@ -94,4 +97,5 @@ private:
     bool m_applying = false;
     bool m_syncingCurrent = false;
     bool m_headerPressed = false;
+    bool m_inFill = false; ///< between the model's fillStarted() and fillEnded()
 };
