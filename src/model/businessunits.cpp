@@ -60,15 +60,22 @@ void BusinessUnits::LoadDetails(const QZWebTable &details, DetailColumns &column
             ++classStart[std::size_t(typeAt[std::size_t(type)]) + 1];
         for (std::size_t t = 0; t < created.types.size(); ++t)
             classStart[t + 1] += classStart[t];
-        m_classes.assign(created.classes.size(), JobClass());
         {
+            // Each class moves to its place in the array it is in (following the cycles of the
+            // permutation), so the classes are never held twice.
+            std::vector<int> place(created.classes.size());
             std::vector<int> next(classStart.begin(), classStart.end() - 1);
-            for (std::size_t c = 0; c < created.classes.size(); ++c) {
-                const int at = next[std::size_t(typeAt[std::size_t(created.typeOfClass[c])])]++;
-                m_classes[std::size_t(at)] = created.classes[c];
+            for (std::size_t c = 0; c < created.classes.size(); ++c)
+                place[c] = next[std::size_t(typeAt[std::size_t(created.typeOfClass[c])])]++;
+            for (std::size_t c = 0; c < place.size(); ++c) {
+                while (place[c] != int(c)) {
+                    const std::size_t to = std::size_t(place[c]);
+                    std::swap(created.classes[c], created.classes[to]);
+                    std::swap(place[c], place[to]);
+                }
             }
         }
-        created.classes = {};
+        m_classes = std::move(created.classes);
         m_types.assign(created.types.size(), JobType());
         for (std::size_t t = 0; t < created.types.size(); ++t) {
             const std::size_t at = std::size_t(typeAt[t]);
@@ -92,6 +99,10 @@ void BusinessUnits::LoadDetails(const QZWebTable &details, DetailColumns &column
         PairIndex typeOf;  // (unit, folded type code) -> created type
         PairIndex classOf; // (created type, folded class code) -> created class
         const int rows = details.rowCount();
+        // At most one class per row: reserved once, the growing array is never copied (a copy
+        // would hold the classes twice at the peak of the load).
+        created.classes.reserve(std::size_t(rows));
+        created.typeOfClass.reserve(std::size_t(rows));
         QStringView previousId;
         int unit = -1;
         for (int i = 1; i <= rows; ++i) {
