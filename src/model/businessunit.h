@@ -37,6 +37,8 @@ public:
     [[nodiscard]] float PtsPerHrReq() const { return m_ptsPerHrReq; }
 
     [[nodiscard]] const ::JobTypes &JobTypes() const { return m_jobTypes; }
+    /// Every class of every job type, job type by job type (one block in the model's storage).
+    [[nodiscard]] const JobClasses &AllJobClasses() const { return m_allClasses; }
     /// The "TOTAL" job type; without code and classes until the unit is totalled.
     [[nodiscard]] const JobType &TotalJobType() const { return m_totalJobType; }
 
@@ -71,6 +73,7 @@ private:
     float m_ptsPerHour = 0;
     float m_ptsPerHrReq = 0;
     ::JobTypes m_jobTypes;
+    JobClasses m_allClasses;
     JobType m_totalJobType;
     qint32 m_buIndex = 0;
     std::array<qint32, CounterCount> m_grandTotals{};

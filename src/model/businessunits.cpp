@@ -84,9 +84,14 @@ void BusinessUnits::LoadDetails(const QZWebTable &details, DetailColumns &column
                 m_typeCodes.code(number), number,
                 JobClasses(m_classes.data() + classStart[at], classStart[at + 1] - classStart[at]));
         }
-        for (std::size_t u = 0; u < units; ++u)
-            At(qsizetype(u)).m_jobTypes =
+        for (std::size_t u = 0; u < units; ++u) {
+            BusinessUnit &bu = At(qsizetype(u));
+            bu.m_jobTypes =
                 ::JobTypes(m_types.data() + typeStart[u], typeStart[u + 1] - typeStart[u]);
+            const int firstClass = classStart[std::size_t(typeStart[u])];
+            bu.m_allClasses = JobClasses(m_classes.data() + firstClass,
+                                         classStart[std::size_t(typeStart[u + 1])] - firstClass);
+        }
     };
 
     try {
@@ -135,7 +140,8 @@ void BusinessUnits::LoadDetails(const QZWebTable &details, DetailColumns &column
             for (int s = 0; s < JobClass::CounterCount; ++s)
                 counters[std::size_t(s)] = Conv::textToLong(row.value(columns.counter(s)));
             classOf.findOrInsert(classKey, int(created.classes.size()));
-            created.classes.emplace_back(m_classCodes.code(classNumber), classNumber, counters);
+            created.classes.emplace_back(m_classCodes.code(classNumber), classNumber, counters,
+                                         created.types[std::size_t(type)].number);
             created.typeOfClass.push_back(type);
         }
     } catch (...) {
@@ -262,6 +268,7 @@ void BusinessUnits::Terminate()
 {
     for (auto &entry : m_items) {
         entry.value->m_jobTypes = ::JobTypes();
+        entry.value->m_allClasses = JobClasses();
         entry.value->m_totalJobType = JobType();
     }
     m_types = {};

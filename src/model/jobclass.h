@@ -18,14 +18,17 @@ public:
 
     JobClass() = default;
     /// code must outlive the class (the message's code table keeps it).
-    JobClass(const QString &code, int number, const Counters &counters = {})
-        : m_code(&code), m_number(number), m_counters(counters)
+    JobClass(const QString &code, int number, const Counters &counters = {}, int typeNumber = -1)
+        : m_code(&code), m_number(number), m_typeNumber(typeNumber), m_counters(counters)
     {}
 
     /// The class code (also its key in the owning collection).
     [[nodiscard]] const QString &Code() const { return *m_code; }
     /// The number of the code's exact spelling within the data message.
     [[nodiscard]] int Number() const { return m_number; }
+    /// The number of its job type's code (-1 for a class of "TOTAL"), so that a pass over all of
+    /// a unit's classes needs not visit the job types.
+    [[nodiscard]] int TypeNumber() const { return m_typeNumber; }
 
     /// Throws DLVError(9) when index is outside 0..13.
     void SetJobDetails(qint32 value, int index);
@@ -37,5 +40,6 @@ private:
     static const QString s_noCode;
     const QString *m_code = &s_noCode;
     int m_number = -1;
+    int m_typeNumber = -1;
     Counters m_counters{};
 };

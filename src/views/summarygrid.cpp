@@ -326,40 +326,40 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
     std::vector<std::array<qint32, Counters>> sums;
     SumRowIndex rowOf(bus.JobTypeCodes(), bus.JobClassCodes());
     QString key;
+    const CodeTable &typeCodes = bus.JobTypeCodes();
     const auto sumClasses = [&](const BusinessUnit &bu) {
-        for (const JobType &jt : bu.JobTypes()) {
-            const int type = jt.Number();
-            for (const JobClass &jc : jt.Classes()) {
-                const int jobClass = jc.Number();
-                if (plainTotals) {
-                    std::array<qint64, Counters> &classSum = classSums[std::size_t(jobClass)];
-                    if (classSum[0] < 0) {
-                        classSum[0] = 0;
-                        classOrder.push_back(jobClass);
-                    }
-                    for (std::size_t s = 0; s < Counters; ++s)
-                        classSum[s] += jc.JobDetails()[s];
+        for (const JobClass &jc : bu.AllJobClasses()) {
+            const int type = jc.TypeNumber();
+            const int jobClass = jc.Number();
+            if (plainTotals) {
+                std::array<qint64, Counters> &classSum = classSums[std::size_t(jobClass)];
+                if (classSum[0] < 0) {
+                    classSum[0] = 0;
+                    classOrder.push_back(jobClass);
                 }
-                if (const std::size_t known = rowOf.findPair(type, jobClass);
-                    known != SumRowIndex::None) {
-                    addCounters(sums[known], jc);
-                    continue;
-                }
-                setKey(key, jt.Code(), u'|', jc.Code());
-                const bool plain = rowOf.plain(type, jobClass);
-                std::size_t r = plain ? SumRowIndex::None : rowOf.findText(key);
-                if (r == SumRowIndex::None) {
-                    r = rows.size();
-                    rows.push_back(SumRow{.key = key,
-                                          .col1 = descriptionOr(jobTypeDescriptions, jt.Code()),
-                                          .col2 = descriptionOr(jobClassDescriptions, jc.Code())});
-                    sums.emplace_back();
-                    if (!plain)
-                        rowOf.insertText(rows.back().key, r);
-                }
-                rowOf.insertPair(type, jobClass, r);
-                addCounters(sums[r], jc);
+                for (std::size_t s = 0; s < Counters; ++s)
+                    classSum[s] += jc.JobDetails()[s];
             }
+            if (const std::size_t known = rowOf.findPair(type, jobClass);
+                known != SumRowIndex::None) {
+                addCounters(sums[known], jc);
+                continue;
+            }
+            const QString &typeCode = typeCodes.code(type);
+            setKey(key, typeCode, u'|', jc.Code());
+            const bool plain = rowOf.plain(type, jobClass);
+            std::size_t r = plain ? SumRowIndex::None : rowOf.findText(key);
+            if (r == SumRowIndex::None) {
+                r = rows.size();
+                rows.push_back(SumRow{.key = key,
+                                      .col1 = descriptionOr(jobTypeDescriptions, typeCode),
+                                      .col2 = descriptionOr(jobClassDescriptions, jc.Code())});
+                sums.emplace_back();
+                if (!plain)
+                    rowOf.insertText(rows.back().key, r);
+            }
+            rowOf.insertPair(type, jobClass, r);
+            addCounters(sums[r], jc);
         }
     };
     for (const BusinessUnit *bu : units) {
