@@ -34,11 +34,6 @@ public:
             grow();
         return -1;
     }
-    void reserve(std::size_t pairs)
-    {
-        while (2 * pairs > m_slots.size())
-            grow();
-    }
 
 private:
     struct Slot
