@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <type_traits>
@@ -256,7 +257,7 @@ private:
         [[nodiscard]] qsizetype find(QStringView key, std::size_t hash, KeyCompare compare) const
         {
             const std::size_t mask = table.size() - 1;
-            for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+            for (std::size_t i = home(hash);; i = (i + 1) & mask) {
                 const qsizetype at = table[i];
                 if (at < 0)
                     return -1;
@@ -278,10 +279,17 @@ private:
         void place(std::size_t at)
         {
             const std::size_t mask = table.size() - 1;
-            std::size_t i = hashes[at] & mask;
+            std::size_t i = home(hashes[at]);
             while (table[i] >= 0)
                 i = (i + 1) & mask;
             table[i] = qsizetype(at);
+        }
+        /// The first slot of a hash: its bits mixed and the top ones taken, so that a hash whose
+        /// low bits vary little (as the case-blind one's do for short ids) still spreads.
+        [[nodiscard]] std::size_t home(std::size_t hash) const
+        {
+            const auto mixed = std::uint64_t(hash) * 0x9E3779B97F4A7C15ull;
+            return std::size_t(mixed >> (64 - std::countr_zero(table.size())));
         }
         void rehash(std::size_t size)
         {
