@@ -198,7 +198,6 @@ private:
 
     struct Hash
     {
-        using is_transparent = void;
         KeyCompare compare = KeyCompare::Exact;
         std::size_t operator()(QStringView key) const noexcept
         {
@@ -225,14 +224,9 @@ private:
             }
             return h;
         }
-        std::size_t operator()(const QString &key) const noexcept
-        {
-            return (*this)(QStringView(key));
-        }
     };
     struct Equal
     {
-        using is_transparent = void;
         KeyCompare compare = KeyCompare::Exact;
         bool operator()(QStringView a, QStringView b) const noexcept
         {

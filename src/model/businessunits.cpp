@@ -80,9 +80,9 @@ void BusinessUnits::LoadDetails(const QZWebTable &details, DetailColumns &column
         for (std::size_t t = 0; t < created.types.size(); ++t) {
             const std::size_t at = std::size_t(typeAt[t]);
             const int number = created.types[t].number;
-            m_types[at] = JobType(
-                m_typeCodes.code(number), number,
-                JobClasses(m_classes.data() + classStart[at], classStart[at + 1] - classStart[at]));
+            m_types[at] =
+                JobType(m_typeCodes.code(number), JobClasses(m_classes.data() + classStart[at],
+                                                             classStart[at + 1] - classStart[at]));
         }
         for (std::size_t u = 0; u < units; ++u) {
             BusinessUnit &bu = At(qsizetype(u));
@@ -157,15 +157,16 @@ void BusinessUnits::CalcTotals(ErrorReporter *reporter)
     // moves under the views handed out.
     m_totals.clear();
     m_totals.reserve(m_classes.size());
-    std::vector<int> totalOfFold(std::size_t(m_classCodes.foldCount()), -1);
+    TotalScratch scratch;
+    scratch.totalOfFold.assign(std::size_t(m_classCodes.foldCount()), -1);
     for (qsizetype p = 0; p < m_items.count(); ++p) {
         BusinessUnit &bu = At(p);
         ErrorTrap::run(reporter, QStringLiteral("BusinessUnit.CalcTotal"),
-                       [&] { calcTotal(bu, totalOfFold); });
+                       [&] { calcTotal(bu, scratch); });
     }
 }
 
-void BusinessUnits::calcTotal(BusinessUnit &bu, std::vector<int> &totalOfFold)
+void BusinessUnits::calcTotal(BusinessUnit &bu, TotalScratch &scratch)
 {
     constexpr int CounterCount = BusinessUnit::CounterCount;
     // The "TOTAL" classes are the union of all class codes, first appearance first. The sums are
@@ -174,8 +175,11 @@ void BusinessUnits::calcTotal(BusinessUnit &bu, std::vector<int> &totalOfFold)
     // accumulator is addressed outside its bounds. The position of every (job type, class) pair
     // is resolved here, in the same walk.
     const std::size_t first = m_totals.size();
-    std::vector<int> positions;
-    std::vector<int> folds;
+    std::vector<int> &totalOfFold = scratch.totalOfFold;
+    std::vector<int> &positions = scratch.positions;
+    std::vector<int> &folds = scratch.folds;
+    positions.clear();
+    folds.clear();
     for (const JobType &jobType : bu.m_jobTypes) {
         for (const JobClass &jobClass : jobType.Classes()) {
             const int fold = m_classCodes.fold(jobClass.Number());
@@ -192,13 +196,15 @@ void BusinessUnits::calcTotal(BusinessUnit &bu, std::vector<int> &totalOfFold)
     for (const int fold : folds)
         totalOfFold[std::size_t(fold)] = -1;
     const int n = int(m_totals.size() - first);
-    bu.m_totalJobType = JobType(JobType::TotalCode, -1, JobClasses(m_totals.data() + first, n));
+    bu.m_totalJobType = JobType(JobType::TotalCode, JobClasses(m_totals.data() + first, n));
     if (n < 1) {
         bu.m_plainTotals = true;
         return;
     }
 
-    std::vector<JobClass::Counters> accumulator(std::size_t(n), JobClass::Counters{});
+    std::vector<JobClass::Counters> &accumulator = scratch.accumulator;
+    accumulator.assign(std::size_t(n), JobClass::Counters{});
+    bool nonNegative = true;
     std::size_t firstOfType = 0;
     for (const JobType &jobType : bu.m_jobTypes) {
         const JobClasses &classes = jobType.Classes();
@@ -211,6 +217,7 @@ void BusinessUnits::calcTotal(BusinessUnit &bu, std::vector<int> &totalOfFold)
                         QStringLiteral("no total position for job class \"%1\"")
                             .arg(jobClass.Code()));
                 const qint32 value = jobClass.JobDetails()[std::size_t(s)];
+                nonNegative = nonNegative && value >= 0;
                 qint32 &cell = accumulator[std::size_t(p)][std::size_t(s)];
                 cell = Conv::addChecked(cell, value);
                 bu.m_grandTotals[std::size_t(s)] =
@@ -225,11 +232,6 @@ void BusinessUnits::calcTotal(BusinessUnit &bu, std::vector<int> &totalOfFold)
             JobClass(m_totals[first + std::size_t(p)].Code(),
                      m_totals[first + std::size_t(p)].Number(), accumulator[std::size_t(p)]);
     bu.calcRates();
-    bool nonNegative = true;
-    for (const JobType &jobType : bu.m_jobTypes)
-        for (const JobClass &jobClass : jobType.Classes())
-            for (const qint32 value : jobClass.JobDetails())
-                nonNegative = nonNegative && value >= 0;
     bu.m_plainTotals = nonNegative;
 }
 

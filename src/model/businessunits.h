@@ -77,7 +77,15 @@ public:
 private:
     friend class BusinessUnit;
     void buIndexChanged() { m_byIndexValid = false; }
-    void calcTotal(BusinessUnit &bu, std::vector<int> &totalOfFold);
+    /// Working storage of CalcTotals, kept from unit to unit.
+    struct TotalScratch
+    {
+        std::vector<int> totalOfFold; ///< by class fold: position among the unit's totals, or -1
+        std::vector<int> positions;   ///< per class of the unit: its total's position, or -1
+        std::vector<int> folds;       ///< the folds the unit set in totalOfFold
+        std::vector<JobClass::Counters> accumulator;
+    };
+    void calcTotal(BusinessUnit &bu, TotalScratch &scratch);
 
     OrderedDict<std::unique_ptr<BusinessUnit>> m_items{KeyCompare::CaseInsensitive};
     mutable QHash<qint32, const BusinessUnit *> m_byIndex;

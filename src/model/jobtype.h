@@ -12,13 +12,9 @@ class JobType
 public:
     JobType() = default;
     /// code must outlive the job type (the message's code table keeps it).
-    JobType(const QString &code, int number, JobClasses classes)
-        : m_code(&code), m_number(number), m_classes(classes)
-    {}
+    JobType(const QString &code, JobClasses classes) : m_code(&code), m_classes(classes) {}
 
     [[nodiscard]] const QString &Code() const { return *m_code; }
-    /// The number of the code's exact spelling within the data message (-1 for "TOTAL").
-    [[nodiscard]] int Number() const { return m_number; }
     [[nodiscard]] const JobClasses &Classes() const { return m_classes; }
 
     /// The code of the job type that sums a unit's classes.
@@ -27,6 +23,5 @@ public:
 private:
     static const QString s_noCode;
     const QString *m_code = &s_noCode;
-    int m_number = -1;
     JobClasses m_classes;
 };

@@ -107,6 +107,22 @@ struct Spies
     QSignalSpy data, headers, layouts, layoutsAhead, resets, inserts, removes, collapses, currents;
 };
 
+/// A summary-shaped grid filled once, and a model over it that the tester watches.
+struct WatchedSummary
+{
+    WatchedSummary()
+    {
+        initGrid(grid);
+        refill(grid, summaryLines());
+        model = std::make_unique<OutlineGridModel>(&grid);
+        tester = std::make_unique<QAbstractItemModelTester>(
+            model.get(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+    }
+    OutlineGrid grid;
+    std::unique_ptr<OutlineGridModel> model;
+    std::unique_ptr<QAbstractItemModelTester> tester;
+};
+
 /// A dataChanged notice as grid rows and columns.
 struct Notice
 {
@@ -215,11 +231,9 @@ TEST(FillChanges, SameShapeTellsExactlyTheChangedCells)
          1},
     };
     for (const Case &c : cases) {
-        OutlineGrid g;
-        initGrid(g);
-        refill(g, summaryLines());
-        OutlineGridModel m(&g);
-        QAbstractItemModelTester tester(&m, QAbstractItemModelTester::FailureReportingMode::Fatal);
+        WatchedSummary watched;
+        OutlineGrid &g = watched.grid;
+        OutlineGridModel &m = *watched.model;
         const QPersistentModelIndex held(m.indexForRow(4, 3));
         Spies spies(m);
         std::vector<Line> lines = summaryLines();
@@ -295,11 +309,9 @@ TEST(FillChanges, InPlaceWritesAreToldAndLeaveTheBaselineAlone)
           {6, 1, 5, TextRoles}}},
     };
     for (const Case &c : cases) {
-        OutlineGrid g;
-        initGrid(g);
-        refill(g, summaryLines());
-        OutlineGridModel m(&g);
-        QAbstractItemModelTester tester(&m, QAbstractItemModelTester::FailureReportingMode::Fatal);
+        WatchedSummary watched;
+        OutlineGrid &g = watched.grid;
+        OutlineGridModel &m = *watched.model;
         Spies spies(m);
         QByteArray baselineText;
         {
@@ -338,11 +350,9 @@ TEST(FillChanges, ChangedShapeIsOneKeyedLayoutChange)
         {"one more column", {}, [](OutlineGrid &g) { g.setColCount(Cols + 1); }, true},
     };
     for (const Case &c : cases) {
-        OutlineGrid g;
-        initGrid(g);
-        refill(g, summaryLines());
-        OutlineGridModel m(&g);
-        QAbstractItemModelTester tester(&m, QAbstractItemModelTester::FailureReportingMode::Fatal);
+        WatchedSummary watched;
+        OutlineGrid &g = watched.grid;
+        OutlineGridModel &m = *watched.model;
         const QPersistentModelIndex copper(m.indexForRow(4, 5)); // INS|COP, column 5
         const QPersistentModelIndex fiber(m.indexForRow(3, 3));  // INS|FIB
         const QPersistentModelIndex repair(m.indexForRow(5, 0)); // REP, a node
