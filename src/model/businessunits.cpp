@@ -21,6 +21,215 @@ BusinessUnit &BusinessUnits::Add(const QZWebRow &row, GeneralColumns &columns)
 
 namespace {
 
+// The position of a detail row's unit, from its BUID text. Hundreds of thousands of rows name a
+// few thousand units, each in one spelling or a few: each spelling is looked up once, then found
+// by its exact text in a small index. Hosts that send the rows unit by unit are served by the
+// previous row's unit first.
+class RowUnits
+{
+public:
+    explicit RowUnits(const OrderedDict<std::unique_ptr<BusinessUnit>> &units) : m_units(units) {}
+
+    /// The unit's position in the collection, or -1 for a unit it does not hold.
+    int unitOf(QStringView id)
+    {
+        if (!m_first && id == m_previousId)
+            return m_unit;
+        const int spelling = m_spellings.add(id);
+        if (m_spellings.lastAdded())
+            m_unitOfSpelling.push_back(int(m_units.indexOf(id)));
+        m_unit = m_unitOfSpelling[std::size_t(spelling)];
+        m_previousId = id;
+        m_first = false;
+        return m_unit;
+    }
+
+private:
+    const OrderedDict<std::unique_ptr<BusinessUnit>> &m_units;
+    SpellingIndex m_spellings;
+    std::vector<int> m_unitOfSpelling;
+    QStringView m_previousId;
+    int m_unit = -1;
+    bool m_first = true;
+};
+
+} // namespace
+
+void BusinessUnits::LoadDetails(const QZWebTable &details, DetailColumns &columns)
+{
+    try {
+        loadGrouped(details, columns);
+    } catch (const DLVError &) {
+        // The grouped reading does the same lookups and conversions, only in another order, so
+        // it fails exactly when the reading in table order does. That reading then gives the
+        // first failing row's error and the partial model the rows before it leave.
+        LoadDetailsInOrder(details, columns);
+    }
+}
+
+void BusinessUnits::resetLoad()
+{
+    for (auto &entry : m_items) {
+        entry.value->m_jobTypes = ::JobTypes();
+        entry.value->m_allClasses = JobClasses();
+    }
+    m_types = {};
+    m_classes = {};
+    m_typeCodes = CodeTable();
+    m_classCodes = CodeTable();
+}
+
+void BusinessUnits::loadGrouped(const QZWebTable &details, DetailColumns &columns)
+{
+    resetLoad();
+    const int rows = details.rowCount();
+    const std::size_t units = std::size_t(Count());
+
+    // 1. In table order: each row's unit, job-type and class spellings, numbered as the rows
+    // first show them. Rows of other units are left out.
+    std::vector<int> rowOf;
+    std::vector<int> unitOf;
+    std::vector<int> typeOf;
+    std::vector<int> classOf;
+    {
+        RowUnits rowUnits(m_items);
+        for (int i = 1; i <= rows; ++i) {
+            const QZWebRow row(details, i);
+            const int unit = rowUnits.unitOf(row.value(columns.buid()));
+            if (unit < 0)
+                continue;
+            rowOf.push_back(i);
+            unitOf.push_back(unit);
+            typeOf.push_back(m_typeCodes.number(row.value(columns.jobType())));
+            classOf.push_back(m_classCodes.number(row.value(columns.jobClass())));
+        }
+    }
+    const std::size_t entries = rowOf.size();
+
+    // 2. The entries grouped by unit, in table order within each unit (a counting sort), with
+    // what the grouping needs carried along so that step 3 reads one array front to back.
+    struct Grouped
+    {
+        int entry;
+        int type;
+        int jobClass;
+    };
+    std::vector<int> unitStart(units + 1, 0);
+    for (const int unit : unitOf)
+        ++unitStart[std::size_t(unit) + 1];
+    for (std::size_t u = 0; u < units; ++u)
+        unitStart[u + 1] += unitStart[u];
+    std::vector<Grouped> grouped(entries);
+    {
+        std::vector<int> next(unitStart.begin(), unitStart.end() - 1);
+        for (std::size_t k = 0; k < entries; ++k)
+            grouped[std::size_t(next[std::size_t(unitOf[k])]++)] =
+                Grouped{int(k), typeOf[k], classOf[k]};
+    }
+    unitOf = {};
+
+    // 3. Unit by unit, with tables the size of one unit: a job type is created by the unit's
+    // first row of its code, a class by the first row of its code in the job type; the classes
+    // that rows create get their places, type by type in creation order.
+    std::vector<int> placeOf(entries, -1); // per entry: its class's place, or -1
+    struct Type
+    {
+        int number;
+        int classes;
+    };
+    std::vector<Type> types;
+    std::vector<int> typeStart(units + 1, 0);
+    std::vector<int> classStart(units + 1, 0);
+    {
+        std::vector<int> localOfFold(std::size_t(m_typeCodes.foldCount()), -1);
+        PairIndex classesOfUnit;
+        std::vector<std::pair<int, int>> created; // (entry, local type) in creation order
+        std::vector<int> next;
+        int placed = 0;
+        for (std::size_t u = 0; u < units; ++u) {
+            const int firstType = int(types.size());
+            typeStart[u] = firstType;
+            classStart[u] = placed;
+            const int begin = unitStart[u];
+            const int end = unitStart[u + 1];
+            classesOfUnit.clear(std::size_t(end - begin));
+            created.clear();
+            for (int g = begin; g < end; ++g) {
+                const Grouped &row = grouped[std::size_t(g)];
+                int &local = localOfFold[std::size_t(m_typeCodes.fold(row.type))];
+                if (local < 0) {
+                    local = int(types.size()) - firstType;
+                    types.push_back(Type{row.type, 0});
+                }
+                const std::uint64_t key = PairIndex::key(local, m_classCodes.fold(row.jobClass));
+                if (classesOfUnit.findOrInsert(key, 0) >= 0)
+                    continue; // the first row of a class wins
+                created.emplace_back(row.entry, local);
+                ++types[std::size_t(firstType + local)].classes;
+            }
+            const int typeCount = int(types.size()) - firstType;
+            next.assign(std::size_t(typeCount), 0);
+            for (int t = 0; t < typeCount; ++t) {
+                next[std::size_t(t)] = placed;
+                placed += types[std::size_t(firstType + t)].classes;
+                localOfFold[std::size_t(
+                    m_typeCodes.fold(types[std::size_t(firstType + t)].number))] = -1;
+            }
+            for (const auto &[entry, local] : created) {
+                placeOf[std::size_t(entry)] = next[std::size_t(local)]++;
+                // A class carries its job type's first spelling, whatever its own row spelled.
+                typeOf[std::size_t(entry)] = types[std::size_t(firstType + local)].number;
+            }
+        }
+        typeStart[units] = int(types.size());
+        classStart[units] = placed;
+    }
+    grouped = {};
+
+    // 4. The model's arrays at their final size, so the views handed out never move.
+    m_classes.assign(std::size_t(classStart[units]), JobClass());
+    m_types.reserve(types.size());
+    {
+        std::size_t at = 0;
+        for (const Type &type : types) {
+            m_types.emplace_back(m_typeCodes.code(type.number),
+                                 JobClasses(m_classes.data() + at, type.classes));
+            at += std::size_t(type.classes);
+        }
+    }
+    for (std::size_t u = 0; u < units; ++u) {
+        BusinessUnit &bu = At(qsizetype(u));
+        const std::size_t first = std::size_t(typeStart[u]);
+        const std::size_t last = std::size_t(typeStart[u + 1]);
+        bu.m_jobTypes = ::JobTypes(m_types.data() + first, int(last - first));
+        bu.m_allClasses =
+            JobClasses(m_classes.data() + classStart[u], classStart[u + 1] - classStart[u]);
+    }
+
+    // 5. In table order again: the counters of each row that created a class, straight into
+    // the class's place. The places are scattered over an array of many megabytes; asking for
+    // the place sixteen rows ahead lets those misses overlap instead of stalling one by one.
+    for (std::size_t k = 0; k < entries; ++k) {
+        if (k + 16 < entries && placeOf[k + 16] >= 0) {
+            const char *ahead = reinterpret_cast<const char *>(m_classes.data() + placeOf[k + 16]);
+            __builtin_prefetch(ahead, 1);
+            __builtin_prefetch(ahead + 64, 1);
+        }
+        const int place = placeOf[k];
+        if (place < 0)
+            continue;
+        columns.resolveClassFields();
+        const QZWebRow row(details, rowOf[k]);
+        JobClass::Counters counters;
+        for (int s = 0; s < JobClass::CounterCount; ++s)
+            counters[std::size_t(s)] = Conv::textToLong(row.value(columns.counter(s)));
+        m_classes[std::size_t(place)] =
+            JobClass(m_classCodes.code(classOf[k]), classOf[k], counters, typeOf[k]);
+    }
+}
+
+namespace {
+
 // The job types and classes in the order the rows create them, before they are laid out unit by
 // unit and type by type.
 struct Created
@@ -37,8 +246,9 @@ struct Created
 
 } // namespace
 
-void BusinessUnits::LoadDetails(const QZWebTable &details, DetailColumns &columns)
+void BusinessUnits::LoadDetailsInOrder(const QZWebTable &details, DetailColumns &columns)
 {
+    resetLoad();
     Created created;
     // Lays the created types and classes out unit by unit (types) and type by type (classes),
     // each group in creation order: two counting sorts.
@@ -95,12 +305,7 @@ void BusinessUnits::LoadDetails(const QZWebTable &details, DetailColumns &column
     };
 
     try {
-        // Hundreds of thousands of rows name a few thousand units, a few dozen job types and
-        // classes, each in one spelling or a few: each spelling is looked up once, then found by
-        // its exact text in a small index. Hosts that send the rows unit by unit are served by the
-        // previous row's unit first.
-        SpellingIndex unitSpellings;
-        std::vector<int> unitOfSpelling;
+        RowUnits rowUnits(m_items);
         PairIndex typeOf;  // (unit, folded type code) -> created type
         PairIndex classOf; // (created type, folded class code) -> created class
         const int rows = details.rowCount();
@@ -108,18 +313,9 @@ void BusinessUnits::LoadDetails(const QZWebTable &details, DetailColumns &column
         // would hold the classes twice at the peak of the load).
         created.classes.reserve(std::size_t(rows));
         created.typeOfClass.reserve(std::size_t(rows));
-        QStringView previousId;
-        int unit = -1;
         for (int i = 1; i <= rows; ++i) {
             const QZWebRow row(details, i);
-            const QStringView id = row.value(columns.buid());
-            if (i == 1 || id != previousId) {
-                const int spelling = unitSpellings.add(id);
-                if (unitSpellings.lastAdded())
-                    unitOfSpelling.push_back(int(m_items.indexOf(id)));
-                unit = unitOfSpelling[std::size_t(spelling)];
-                previousId = id;
-            }
+            const int unit = rowUnits.unitOf(row.value(columns.buid()));
             if (unit < 0)
                 continue;
 

@@ -45,7 +45,12 @@ public:
     /// are ignored. Codes compare without regard to letter case, the first spelling stays.
     /// Throws DLVError at the first row that fails (missing column, counter outside 32 bits);
     /// the units then hold what the rows before it gave, and the failing row's new job type.
+    /// Works unit by unit over the rows grouped by unit, so its lookups stay in tables the size
+    /// of one unit whatever the size of the message.
     void LoadDetails(const QZWebTable &details, DetailColumns &columns);
+    /// The same reading, one row after the other in table order: LoadDetails gives the same
+    /// model (and, for a failing table, reads it this way).
+    void LoadDetailsInOrder(const QZWebTable &details, DetailColumns &columns);
     /// Builds every unit's "TOTAL" job type, grand totals and rates, once per load. The "TOTAL"
     /// classes are the union of the unit's class codes, first appearance first. A unit that fails
     /// is reported (location "BusinessUnit.CalcTotal") and keeps the totals reached; the next
@@ -86,6 +91,10 @@ private:
         std::vector<JobClass::Counters> accumulator;
     };
     void calcTotal(BusinessUnit &bu, TotalScratch &scratch);
+    /// LoadDetails unit by unit, over the rows grouped by unit.
+    void loadGrouped(const QZWebTable &details, DetailColumns &columns);
+    /// Forgets what a load built: the units' lists, the arrays and the code tables.
+    void resetLoad();
 
     OrderedDict<std::unique_ptr<BusinessUnit>> m_items{KeyCompare::CaseInsensitive};
     mutable QHash<qint32, const BusinessUnit *> m_byIndex;

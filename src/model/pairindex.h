@@ -12,6 +12,25 @@ class PairIndex
 public:
     PairIndex() : m_slots(64) {}
 
+    /// Empties the index and sizes it for about n pairs. Costs time in proportion to n, not to
+    /// what the index held before, so one index can serve many small groups one after another:
+    /// a slot counts as taken only when it was filled since the last clear.
+    void clear(std::size_t n)
+    {
+        std::size_t capacity = 16;
+        while (capacity < 2 * n)
+            capacity *= 2;
+        if (m_slots.size() < capacity)
+            m_slots.resize(capacity);
+        if (++m_generation == 0) { // after four billion clears: every slot free again
+            for (Slot &slot : m_slots)
+                slot.generation = 0;
+            m_generation = 1;
+        }
+        m_mask = capacity - 1;
+        m_used = 0;
+    }
+
     [[nodiscard]] static std::uint64_t key(int first, int second)
     {
         return (std::uint64_t(std::uint32_t(first)) << 32) | std::uint32_t(second);
@@ -21,16 +40,16 @@ public:
     [[nodiscard]] int find(std::uint64_t pair) const
     {
         const Slot &slot = m_slots[slotOf(pair)];
-        return slot.value;
+        return taken(slot) ? slot.value : -1;
     }
     /// The value stored for the pair; when there is none, stores value and returns -1.
     int findOrInsert(std::uint64_t pair, int value)
     {
         std::size_t i = slotOf(pair);
-        if (m_slots[i].value >= 0)
+        if (taken(m_slots[i]))
             return m_slots[i].value;
-        m_slots[i] = Slot{pair, value};
-        if (2 * ++m_used > m_slots.size())
+        m_slots[i] = Slot{pair, value, m_generation};
+        if (2 * ++m_used > m_mask + 1)
             grow();
         return -1;
     }
@@ -40,7 +59,9 @@ private:
     {
         std::uint64_t pair = 0;
         int value = -1;
+        std::uint32_t generation = 0;
     };
+    [[nodiscard]] bool taken(const Slot &slot) const { return slot.generation == m_generation; }
     [[nodiscard]] static std::size_t hashOf(std::uint64_t pair)
     {
         const std::uint64_t h = pair * 0x9E3779B97F4A7C15ULL;
@@ -48,22 +69,25 @@ private:
     }
     [[nodiscard]] std::size_t slotOf(std::uint64_t pair) const
     {
-        const std::size_t mask = m_slots.size() - 1;
-        std::size_t i = hashOf(pair) & mask;
-        while (m_slots[i].value >= 0 && m_slots[i].pair != pair)
-            i = (i + 1) & mask;
+        std::size_t i = hashOf(pair) & m_mask;
+        while (taken(m_slots[i]) && m_slots[i].pair != pair)
+            i = (i + 1) & m_mask;
         return i;
     }
     void grow()
     {
-        std::vector<Slot> old(m_slots.size() * 2);
+        std::vector<Slot> old(2 * (m_mask + 1));
         old.swap(m_slots);
-        for (const Slot &slot : old) {
-            if (slot.value >= 0)
-                m_slots[slotOf(slot.pair)] = slot;
+        const std::size_t used = m_mask + 1;
+        m_mask = m_slots.size() - 1;
+        for (std::size_t i = 0; i < used; ++i) {
+            if (taken(old[i]))
+                m_slots[slotOf(old[i].pair)] = old[i];
         }
     }
 
     std::vector<Slot> m_slots;
+    std::size_t m_mask = 63; // the slots in use are the first m_mask + 1
     std::size_t m_used = 0;
+    std::uint32_t m_generation = 1;
 };

@@ -85,4 +85,25 @@ TEST(PairIndex, FindsWhatWasStoredAndNothingElse)
     EXPECT_EQ(index.find(PairIndex::key(0, -1)), -1);
 }
 
+TEST(PairIndex, ClearingForgetsEveryPairWhateverTheGroupSizes)
+{
+    // One index serves groups one after another: a large group leaves slots behind that a small
+    // group's table does not reach, and a group that outgrows its size must still find all.
+    PairIndex index;
+    const int sizes[] = {500, 3, 0, 40, 1, 2000, 7};
+    int group = 0;
+    for (const int size : sizes) {
+        index.clear(std::size_t(size / 4)); // too small on purpose: it must grow
+        for (int i = 0; i < size; ++i)
+            ASSERT_EQ(index.findOrInsert(PairIndex::key(i, i % 7), group * 10000 + i), -1);
+        for (int i = 0; i < size; ++i)
+            ASSERT_EQ(index.find(PairIndex::key(i, i % 7)), group * 10000 + i);
+        EXPECT_EQ(index.find(PairIndex::key(size, size % 7)), -1);
+        ++group;
+    }
+    index.clear(10);
+    for (int i = 0; i < 2000; ++i)
+        ASSERT_EQ(index.find(PairIndex::key(i, i % 7)), -1);
+}
+
 } // namespace
