@@ -123,7 +123,7 @@ std::optional<DLVParams> DrillDown::hierarchyRequest(const OutlineGrid &grid,
     if (row != click.mouseRow) {
         if (!(click.mouseRow == grid.rowCount() - 1 && row == kFirstDataRow))
             return std::nullopt;
-    } else if (grid.text(row, kTechCountCol).isEmpty()) {
+    } else if (grid.isEmpty(row, kTechCountCol)) {
         return std::nullopt; // a grey row: no chosen unit reaches it
     }
 

@@ -55,7 +55,7 @@ ExceptionRules::Kind ExceptionRules::cellKind(const OutlineGrid &grid, GridKind 
                 return Kind::Late;
         return Kind::None;
     }
-    if (grid.text(row, 1).isEmpty())
+    if (grid.isEmpty(row, 1))
         return Kind::None; // a unit no chosen unit reached: no figures to judge
     if (col == kTreeJeopardyCol && positiveCount(grid, row, col))
         return Kind::Jeopardy;

@@ -430,7 +430,7 @@ void HierarchyGrid::GreyUnreached(OutlineGrid &grid)
 {
     const QColor grey = OutlineGrid::fromBgr(UnreachedBgr);
     for (int row = 2; row < grid.rowCount(); ++row) {
-        if (grid.text(row, 1).isEmpty())
+        if (grid.isEmpty(row, 1))
             grid.setBackColor(row, 0, row, HierarchyLastCol, grey);
     }
 }

@@ -378,7 +378,13 @@ void OutlineGrid::removeRowsIf(int first, const std::function<bool(int)> &pred)
 
 const QString &OutlineGrid::text(int row, int col) const
 {
-    return cell(row, col).text;
+    return cell(row, col).shown();
+}
+
+bool OutlineGrid::isEmpty(int row, int col) const
+{
+    const Cell &c = cell(row, col);
+    return !c.digits && c.text.isEmpty();
 }
 
 void OutlineGrid::setText(int row, int col, const QString &text)
@@ -393,10 +399,11 @@ void OutlineGrid::setText(int row, int col, const QString &text)
 void OutlineGrid::setNumber(int row, int col, qint64 value)
 {
     Cell &c = cell(row, col);
-    c.text = QString::number(value);
     c.number = double(value);
-    // Above 2^53 two numbers can share a double: their texts are then compared instead.
+    // Above 2^53 two numbers can share a double: their texts are then compared instead, and the
+    // text is written at once (the double could not give it back).
     c.digits = value > -(qint64(1) << 53) && value < (qint64(1) << 53);
+    c.text = c.digits ? QString() : QString::number(value);
     notifyCells(row, col, row, col);
 }
 
@@ -603,10 +610,10 @@ void OutlineGrid::sortRows(int row1, int row2, int col1, int col2)
         const auto &ca = m_rows[size_t(a)].cells;
         const auto &cb = m_rows[size_t(b)].cells;
         const int k =
-            QString::compare(ca[size_t(col1)].text, cb[size_t(col1)].text, Qt::CaseSensitive);
+            QString::compare(ca[size_t(col1)].shown(), cb[size_t(col1)].shown(), Qt::CaseSensitive);
         if (k != 0 || col2 == -1)
             return k < 0;
-        return lessText(ca[size_t(col2)].text, cb[size_t(col2)].text);
+        return lessText(ca[size_t(col2)].shown(), cb[size_t(col2)].shown());
     });
     beginStructure();
     applyOrder(row1, order);
@@ -645,8 +652,8 @@ void OutlineGrid::subtotal(int groupCol, const QList<int> &totalCols, const QCol
             out.push_back(std::move(row));
             continue;
         }
-        const QString &key = std::as_const(row.cells)[groupCol].text;
-        if (group < 0 || std::as_const(out[size_t(group)].cells)[groupCol].text != key) {
+        const QString &key = std::as_const(row.cells)[groupCol].shown();
+        if (group < 0 || std::as_const(out[size_t(group)].cells)[groupCol].shown() != key) {
             closeGroup();
             Row g = makeRow();
             g.node = true;
@@ -661,7 +668,7 @@ void OutlineGrid::subtotal(int groupCol, const QList<int> &totalCols, const QCol
             std::fill(sums.begin(), sums.end(), 0.0);
         }
         for (qsizetype i = 0; i < totalCols.size(); ++i)
-            sums[size_t(i)] += Conv::leadingNumber(std::as_const(row.cells)[totalCols[i]].text);
+            sums[size_t(i)] += Conv::leadingNumber(std::as_const(row.cells)[totalCols[i]].shown());
         out.push_back(std::move(row));
     }
     closeGroup();
@@ -859,8 +866,8 @@ void OutlineGrid::sortChildren(int nodeRow, int col)
         (m_rows[size_t(c)].node ? heads : plain).push_back(c);
     }
     const auto byText = [&](int a, int b) {
-        return lessText(std::as_const(m_rows[size_t(a)].cells)[col].text,
-                        std::as_const(m_rows[size_t(b)].cells)[col].text);
+        return lessText(std::as_const(m_rows[size_t(a)].cells)[col].shown(),
+                        std::as_const(m_rows[size_t(b)].cells)[col].shown());
     };
     std::stable_sort(plain.begin(), plain.end(), byText);
     std::stable_sort(heads.begin(), heads.end(), byText);
@@ -886,7 +893,7 @@ void OutlineGrid::sortAllChildren(int col)
     // Sort every child list (plain children ahead of nodes), then flatten depth first.
     std::vector<int> kids = s.children;
     const auto key = [&](int r) -> const QString & {
-        return std::as_const(m_rows[size_t(r)].cells)[col].text;
+        return std::as_const(m_rows[size_t(r)].cells)[col].shown();
     };
     for (int r = m_fixedRows; r < n; ++r) {
         if (!m_rows[size_t(r)].node)
@@ -1079,7 +1086,7 @@ OutlineGrid::Changes OutlineGrid::changesSince(const OutlineGrid &before) const
             const Cell &x = a.cells[c];
             const Cell &y = b.cells[c];
             quint8 aspects = 0;
-            if (x.digits && y.digits ? x.number != y.number : !sameText(x.text, y.text))
+            if (x.digits && y.digits ? x.number != y.number : !sameText(x.shown(), y.shown()))
                 aspects |= TextChanged;
             if (x.back != y.back)
                 aspects |= BackChanged;
@@ -1092,7 +1099,7 @@ OutlineGrid::Changes OutlineGrid::changesSince(const OutlineGrid &before) const
             change.col2 = c;
             // A node with an empty outline cell shows its outline-text cell's text there.
             if (c == textCol && (aspects & TextChanged) && r >= m_fixedRows && b.node &&
-                b.cells[m_outlineCol].text.isEmpty()) {
+                b.cells[m_outlineCol].shown().isEmpty()) {
                 change.col1 = std::min(change.col1, m_outlineCol);
                 change.col2 = std::max(change.col2, m_outlineCol);
             }
@@ -1136,7 +1143,7 @@ QByteArray OutlineGrid::commaText() const
     qsizetype estimate = 0;
     for (const Row &r : m_rows) {
         for (const Cell &c : r.cells)
-            estimate += c.text.size() + 1;
+            estimate += c.shown().size() + 1;
         estimate += 2;
     }
     out.reserve(estimate + estimate / 16);
@@ -1144,7 +1151,7 @@ QByteArray OutlineGrid::commaText() const
         for (qsizetype c = 0; c < r.cells.size(); ++c) {
             if (c > 0)
                 out += u',';
-            CsvField::append(out, r.cells[c].text);
+            CsvField::append(out, r.cells[c].shown());
         }
         out += QLatin1String("\r\n");
     }

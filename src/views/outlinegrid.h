@@ -151,6 +151,8 @@ public:
 
     // Cells ------------------------------------------------------------------------------------
     [[nodiscard]] const QString &text(int row, int col) const;
+    /// Whether the cell shows nothing (cheaper than asking for its text).
+    [[nodiscard]] bool isEmpty(int row, int col) const;
     void setText(int row, int col, const QString &text);
     /// Writes a whole number as the cell's text (its decimal digits) and keeps the number, so
     /// that readers of figures (change cues) need not fetch and parse the text back.
@@ -292,7 +294,16 @@ public:
 private:
     struct Cell
     {
-        QString text;
+        /// The text shown. A whole number that setNumber wrote keeps only its value until its
+        /// text is first asked for: a fill writes hundreds of thousands of them, a view shows a
+        /// screenful.
+        [[nodiscard]] const QString &shown() const
+        {
+            if (digits && text.isNull())
+                text = QString::number(qint64(number));
+            return text;
+        }
+        mutable QString text; ///< null while a number's digits are not yet written (see shown())
         /// The number the text was written from (setNumber), NaN for any other text.
         double number = std::numeric_limits<double>::quiet_NaN();
         QRgb back = 0; ///< alpha 0: no colour set

@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <functional>
 #include <gtest/gtest.h>
+#include <limits>
 #include <vector>
 
 namespace {
@@ -91,6 +92,41 @@ TEST(OutlineGrid, ShapeChangesCutCellsClearKeepsRowDataAndCurrentCellStaysInside
     EXPECT_EQ(g.currentCol(), 1);
     g.setRowCount(1);
     EXPECT_EQ(g.fixedRows(), 1) << "fixed rows shrink with the grid";
+}
+
+TEST(OutlineGrid, NumbersReadBackAsTheirDigitsWhereverTheTextIsRead)
+{
+    // A whole number's text is written when first read: every reader must see the digits, a
+    // sort must order by them, an export must hold them, and none is ever an empty cell.
+    const qint64 values[] = {0,
+                             -5,
+                             42,
+                             (qint64(1) << 53) - 1,
+                             -((qint64(1) << 53) - 1),
+                             (qint64(1) << 53) + 1,
+                             std::numeric_limits<qint64>::min()};
+    OutlineGrid g;
+    g.setColCount(2);
+    g.setRowCount(1);
+    g.setFixedRows(1);
+    for (const qint64 v : values) {
+        const int row = g.addRow();
+        g.setNumber(row, 0, v);
+        g.setText(row, 1, QString::number(row));
+        EXPECT_EQ(g.text(row, 0), QString::number(v));
+        EXPECT_FALSE(g.isEmpty(row, 0));
+        EXPECT_EQ(g.number(row, 0), double(v));
+    }
+    EXPECT_TRUE(g.isEmpty(0, 0));
+    const QByteArray csv = g.commaText();
+    for (const qint64 v : values)
+        EXPECT_TRUE(csv.contains("\r\n" + QByteArray::number(v) + ","));
+    g.sortRows(1, g.rowCount() - 1, 0);
+    QStringList sorted;
+    for (int r = 1; r < g.rowCount(); ++r)
+        sorted << g.text(r, 0);
+    EXPECT_EQ(sorted, (QStringList{"-5", "-9007199254740991", "-9223372036854775808", "0", "42",
+                                   "9007199254740991", "9007199254740993"}));
 }
 
 TEST(OutlineGrid, OutOfRangeAccessThrowsError9)
