@@ -54,11 +54,6 @@ double productivity(qint32 completed, qint32 hoursWorked)
     return hoursWorked == 0 ? 0 : Conv::round2(double(completed) / double(hoursWorked));
 }
 
-QString productivityText(double value)
-{
-    return value == 0 ? QStringLiteral("0") : QString::number(value, 'g', 15);
-}
-
 void writeFigures(OutlineGrid &grid, int row, const RowFigures &f,
                   const std::array<qint32, StatusCount> &counts)
 {
@@ -67,8 +62,7 @@ void writeFigures(OutlineGrid &grid, int row, const RowFigures &f,
     grid.setNumber(row, 3, f.hoursWorked);
     for (int s = 0; s < StatusCount; ++s)
         grid.setNumber(row, 4 + s, counts[std::size_t(s)]);
-    const double rate = productivity(counts[Counter::Completed], f.hoursWorked);
-    grid.setNumber(row, HierarchyLastCol, rate, productivityText(rate));
+    grid.setDecimal(row, HierarchyLastCol, productivity(counts[Counter::Completed], f.hoursWorked));
 }
 
 /// Disjoint sets over the units, each set being one subtree of the forest the moves have built so
@@ -147,14 +141,6 @@ void HierarchyGrid::InitBUHierarchyGrid(OutlineGrid &grid, int index, const Capt
     grid.setBackColor(0, 4, 1, HierarchyLastCol - 1, OutlineGrid::fromBgr(CountsBgr));
     grid.setOutlineCol(0);
     grid.setOutlineTextCol(-1);
-}
-
-void HierarchyGrid::ClearHierarchyGrids(OutlineGrid &workOrders, OutlineGrid &points)
-{
-    for (OutlineGrid *grid : {&workOrders, &points}) {
-        grid->removeSubtotals();
-        grid->setRowCount(2);
-    }
 }
 
 std::vector<OutlineGrid::TreeNode> HierarchyGrid::BuildTree(const StringSet &buDescriptions,
@@ -356,9 +342,12 @@ void fillUnitByUnit(std::vector<RowFigures> &figures, const OutlineGrid &workOrd
 
 } // namespace
 
-void HierarchyGrid::FillFigures(OutlineGrid &workOrders, OutlineGrid &points,
-                                const UnitLookups &lookups, const BusinessUnits &bus,
-                                const StringSet &selection)
+namespace {
+
+// Each row's figures: of the unit in the row and of every unit below it that the model holds, once
+// per selected unit that reaches the row. The grid's rows are read, not written.
+std::vector<RowFigures> rowFigures(const OutlineGrid &workOrders, const UnitLookups &lookups,
+                                   const BusinessUnits &bus, const StringSet &selection)
 {
     std::vector<RowFigures> figures(std::size_t(workOrders.rowCount()));
     if (!fillBottomUp(figures, workOrders, lookups.hierarchy, bus, selection) ||
@@ -367,14 +356,30 @@ void HierarchyGrid::FillFigures(OutlineGrid &workOrders, OutlineGrid &points,
         figures.assign(figures.size(), RowFigures{});
         fillUnitByUnit(figures, workOrders, lookups, bus, selection);
     }
-    for (std::size_t row = 0; row < figures.size(); ++row) {
-        const RowFigures &f = figures[row];
-        if (!f.reached)
-            continue;
-        writeFigures(workOrders, int(row), f, f.workOrders);
-        writeFigures(points, int(row), f, f.points);
+    return figures;
+}
+
+// Every data row's cells besides the tree text, as a fill leaves them: figures on a reached row,
+// an empty grey row where no selected unit reaches; without figures (a fill that failed), empty
+// rows without colour. Rows kept from the previous fill then change only where a value changes.
+void writeRows(OutlineGrid &grid, const std::vector<RowFigures> *figures,
+               std::array<qint32, StatusCount> RowFigures::*counts)
+{
+    const QColor grey = OutlineGrid::fromBgr(HierarchyGrid::UnreachedBgr);
+    for (int row = grid.fixedRows(); row < grid.rowCount(); ++row) {
+        const RowFigures *f = figures ? &(*figures)[std::size_t(row)] : nullptr;
+        if (f && f->reached) {
+            writeFigures(grid, row, *f, f->*counts);
+            grid.setBackColor(row, 0, row, HierarchyLastCol, QColor());
+        } else {
+            grid.setText(row, 1, row, HierarchyLastCol, QString());
+            grid.setBackColor(row, 0, row, HierarchyLastCol, f ? grey : QColor());
+        }
+        grid.setBold(row, 1, row, HierarchyLastCol, false);
     }
 }
+
+} // namespace
 
 namespace {
 
@@ -426,29 +431,31 @@ void fillUnitByUnit(std::vector<RowFigures> &figures, const OutlineGrid &workOrd
 
 } // namespace
 
-void HierarchyGrid::GreyUnreached(OutlineGrid &grid)
-{
-    const QColor grey = OutlineGrid::fromBgr(UnreachedBgr);
-    for (int row = 2; row < grid.rowCount(); ++row) {
-        if (grid.isEmpty(row, 1))
-            grid.setBackColor(row, 0, row, HierarchyLastCol, grey);
-    }
-}
-
 void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const UnitLookups &lookups,
                          const BusinessUnits &bus, const StringSet &selection)
 {
     OutlineGrid::RedrawSuspender suspendWorkOrders(workOrders);
     OutlineGrid::RedrawSuspender suspendPoints(points);
-    ClearHierarchyGrids(workOrders, points);
     const std::vector<OutlineGrid::TreeNode> nodes =
         BuildTree(lookups.descriptions, lookups.parents, bus);
     for (OutlineGrid *grid : {&workOrders, &points}) {
-        grid->appendTree(nodes, 0, 0, true);
+        // The same tree as last time keeps its rows (a refresh mostly changes figures only).
+        if (!grid->keepTree(nodes, 0, 0, true)) {
+            grid->removeSubtotals();
+            grid->setRowCount(2);
+            grid->appendTree(nodes, 0, 0, true);
+        }
         if (grid->rowCount() > 1)
             grid->setBold(1, 0, grid->rowCount() - 1, 0, true);
     }
-    FillFigures(workOrders, points, lookups, bus, selection);
-    GreyUnreached(workOrders);
-    GreyUnreached(points);
+    std::vector<RowFigures> figures;
+    try {
+        figures = rowFigures(workOrders, lookups, bus, selection);
+    } catch (...) {
+        writeRows(workOrders, nullptr, &RowFigures::workOrders);
+        writeRows(points, nullptr, &RowFigures::points);
+        throw;
+    }
+    writeRows(workOrders, &figures, &RowFigures::workOrders);
+    writeRows(points, &figures, &RowFigures::points);
 }

@@ -47,9 +47,6 @@ public:
     static void InitBUHierarchyGrid(OutlineGrid &grid, int index, const CaptionLookup &caption,
                                     double twipsPerPixelX);
 
-    /// Removes all outline rows and cuts both grids to their header rows.
-    static void ClearHierarchyGrids(OutlineGrid &workOrders, OutlineGrid &points);
-
     /// The tree as appendTree() takes it: the root first, then the units that stay under the
     /// root in description-lookup order, then the units moved under a parent in parent-lookup
     /// order. Appended with sorting by text, it gives the rows of the step-by-step procedure.
@@ -57,18 +54,12 @@ public:
     BuildTree(const StringSet &buDescriptions, const StringSet &parentBUIDs,
               const BusinessUnits &bus);
 
-    /// The whole fill of both grids: clear, build the tree, column 0 bold from row 1, figures of
-    /// the selected units, grey rows that no selected unit reaches. Throws DLVError (6 when a sum
-    /// leaves the 32-bit range; the grids then hold the tree without figures).
+    /// The whole fill of both grids: the tree (the rows of the last fill when it is unchanged,
+    /// else new rows), column 0 bold from row 1, figures of the selected units, grey rows that no
+    /// selected unit reaches. A selected unit's row adds its own figures and those of every unit
+    /// below it that the model holds: a unit below several selected rows counts once in each of
+    /// them. Throws DLVError (6 when a sum leaves the 32-bit range; the grids
+    /// then hold the tree without figures).
     static void Fill(OutlineGrid &workOrders, OutlineGrid &points, const UnitLookups &lookups,
                      const BusinessUnits &bus, const StringSet &selection);
-
-    /// Adds, into the row of each selected unit, the figures of the unit and of every unit below it
-    /// that the model holds: a unit below several selected rows counts once in each of them.
-    static void FillFigures(OutlineGrid &workOrders, OutlineGrid &points,
-                            const UnitLookups &lookups, const BusinessUnits &bus,
-                            const StringSet &selection);
-
-    /// Greys every data row whose column 1 stayed empty.
-    static void GreyUnreached(OutlineGrid &grid);
 };

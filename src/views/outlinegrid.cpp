@@ -6,6 +6,7 @@
 #include "common/dlverror.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace {
@@ -376,6 +377,18 @@ void OutlineGrid::removeRowsIf(int first, const std::function<bool(int)> &pred)
 // ---------------------------------------------------------------------------------------------
 // Cells
 
+QString OutlineGrid::Cell::decimalText(double value)
+{
+    return value == 0 ? QStringLiteral("0") : QString::number(value, 'g', 15);
+}
+
+bool OutlineGrid::Cell::sameShown(const Cell &o) const
+{
+    if ((digits && o.digits) || (decimal && o.decimal))
+        return number == o.number;
+    return sameText(shown(), o.shown());
+}
+
 const QString &OutlineGrid::text(int row, int col) const
 {
     return cell(row, col).shown();
@@ -384,35 +397,66 @@ const QString &OutlineGrid::text(int row, int col) const
 bool OutlineGrid::isEmpty(int row, int col) const
 {
     const Cell &c = cell(row, col);
-    return !c.digits && c.text.isEmpty();
+    return !c.digits && !c.decimal && c.text.isEmpty();
+}
+
+// The writers below leave a cell that already holds the value untouched: a row's cells are shared
+// with the fill baseline until one is written, and a refill that finds most values unchanged
+// then copies few rows. Each writer still tells its observers.
+
+void OutlineGrid::writeCell(int row, int col, const Cell &value)
+{
+    const Cell &now = std::as_const(*this).cell(row, col);
+    const bool sameNumber =
+        now.number == value.number || (std::isnan(now.number) && std::isnan(value.number));
+    if (now.digits == value.digits && now.decimal == value.decimal && sameNumber &&
+        now.sameShown(value))
+        return;
+    Cell &c = cell(row, col);
+    c.text = value.text;
+    c.number = value.number;
+    c.digits = value.digits;
+    c.decimal = value.decimal;
 }
 
 void OutlineGrid::setText(int row, int col, const QString &text)
 {
-    Cell &c = cell(row, col);
-    c.text = text;
-    c.number = std::numeric_limits<double>::quiet_NaN();
-    c.digits = false;
+    Cell value;
+    value.text = text;
+    writeCell(row, col, value);
     notifyCells(row, col, row, col);
 }
 
 void OutlineGrid::setNumber(int row, int col, qint64 value)
 {
-    Cell &c = cell(row, col);
-    c.number = double(value);
+    Cell v;
+    v.number = double(value);
     // Above 2^53 two numbers can share a double: their texts are then compared instead, and the
     // text is written at once (the double could not give it back).
-    c.digits = value > -(qint64(1) << 53) && value < (qint64(1) << 53);
-    c.text = c.digits ? QString() : QString::number(value);
+    v.digits = value > -(qint64(1) << 53) && value < (qint64(1) << 53);
+    if (!v.digits)
+        v.text = QString::number(value);
+    writeCell(row, col, v);
     notifyCells(row, col, row, col);
 }
 
 void OutlineGrid::setNumber(int row, int col, double value, const QString &text)
 {
-    Cell &c = cell(row, col);
-    c.text = text;
-    c.number = value;
-    c.digits = false;
+    Cell v;
+    v.text = text;
+    v.number = value;
+    writeCell(row, col, v);
+    notifyCells(row, col, row, col);
+}
+
+void OutlineGrid::setDecimal(int row, int col, double value)
+{
+    Cell v;
+    v.number = value;
+    v.decimal = std::isfinite(value);
+    if (!v.decimal)
+        v.text = Cell::decimalText(value);
+    writeCell(row, col, v);
     notifyCells(row, col, row, col);
 }
 
@@ -424,13 +468,11 @@ double OutlineGrid::number(int row, int col) const
 void OutlineGrid::setText(int row1, int col1, int row2, int col2, const QString &text)
 {
     checkRange(row1, col1, row2, col2);
+    Cell value;
+    value.text = text;
     for (int r = std::min(row1, row2); r <= std::max(row1, row2); ++r) {
-        for (int c = std::min(col1, col2); c <= std::max(col1, col2); ++c) {
-            Cell &target = m_rows[size_t(r)].cells[size_t(c)];
-            target.text = text;
-            target.number = std::numeric_limits<double>::quiet_NaN();
-            target.digits = false;
-        }
+        for (int c = std::min(col1, col2); c <= std::max(col1, col2); ++c)
+            writeCell(r, c, value);
     }
     notifyCells(row1, col1, row2, col2);
 }
@@ -443,7 +485,9 @@ QColor OutlineGrid::backColor(int row, int col) const
 
 void OutlineGrid::setBackColor(int row, int col, const QColor &color)
 {
-    cell(row, col).back = toStored(color);
+    const QRgb v = toStored(color);
+    if (std::as_const(*this).cell(row, col).back != v)
+        cell(row, col).back = v;
     notifyCells(row, col, row, col);
 }
 
@@ -452,8 +496,10 @@ void OutlineGrid::setBackColor(int row1, int col1, int row2, int col2, const QCo
     checkRange(row1, col1, row2, col2);
     const QRgb v = toStored(color);
     for (int r = std::min(row1, row2); r <= std::max(row1, row2); ++r) {
-        for (int c = std::min(col1, col2); c <= std::max(col1, col2); ++c)
-            m_rows[size_t(r)].cells[size_t(c)].back = v;
+        for (int c = std::min(col1, col2); c <= std::max(col1, col2); ++c) {
+            if (std::as_const(m_rows[size_t(r)].cells)[c].back != v)
+                m_rows[size_t(r)].cells[size_t(c)].back = v;
+        }
     }
     notifyCells(row1, col1, row2, col2);
 }
@@ -465,7 +511,8 @@ bool OutlineGrid::isBold(int row, int col) const
 
 void OutlineGrid::setBold(int row, int col, bool bold)
 {
-    cell(row, col).bold = bold;
+    if (std::as_const(*this).cell(row, col).bold != bold)
+        cell(row, col).bold = bold;
     notifyCells(row, col, row, col);
 }
 
@@ -473,8 +520,10 @@ void OutlineGrid::setBold(int row1, int col1, int row2, int col2, bool bold)
 {
     checkRange(row1, col1, row2, col2);
     for (int r = std::min(row1, row2); r <= std::max(row1, row2); ++r) {
-        for (int c = std::min(col1, col2); c <= std::max(col1, col2); ++c)
-            m_rows[size_t(r)].cells[size_t(c)].bold = bold;
+        for (int c = std::min(col1, col2); c <= std::max(col1, col2); ++c) {
+            if (std::as_const(m_rows[size_t(r)].cells)[c].bold != bold)
+                m_rows[size_t(r)].cells[size_t(c)].bold = bold;
+        }
     }
     notifyCells(row1, col1, row2, col2);
 }
@@ -728,14 +777,20 @@ int OutlineGrid::addNodeRow(int level)
     return rowCount() - 1;
 }
 
-std::vector<int> OutlineGrid::appendTree(const std::vector<TreeNode> &nodes, int textCol,
-                                         int baseLevel, bool sortByText)
-{
-    checkCol(textCol);
-    if (baseLevel < 0)
-        throw DLVError::invalidCall(QStringLiteral("outline level %1").arg(baseLevel));
-    const int n = int(nodes.size());
+namespace {
 
+// Where a text's reference count lies (nothing is written through it).
+const void *countOf(const QString &text)
+{
+    return const_cast<QString &>(text).data_ptr().d_ptr();
+}
+
+} // namespace
+
+void OutlineGrid::treeOrder(const std::vector<TreeNode> &nodes, bool sortByText,
+                            std::vector<int> &order, std::vector<int> &depth)
+{
+    const int n = int(nodes.size());
     // Children index (slot n: the top nodes), in list order.
     std::vector<int> start(size_t(n) + 2, 0);
     for (int i = 0; i < n; ++i) {
@@ -764,8 +819,8 @@ std::vector<int> OutlineGrid::appendTree(const std::vector<TreeNode> &nodes, int
     }
 
     // Depth-first order without recursion (deep chains must not exhaust the stack).
-    std::vector<int> order;
-    std::vector<int> depth(static_cast<size_t>(n), 0);
+    order.clear();
+    depth.assign(static_cast<size_t>(n), 0);
     order.reserve(size_t(n));
     std::vector<int> stack;
     for (int k = start[size_t(n) + 1] - 1; k >= start[size_t(n)]; --k)
@@ -781,12 +836,65 @@ std::vector<int> OutlineGrid::appendTree(const std::vector<TreeNode> &nodes, int
     }
     if (int(order.size()) != n)
         throw DLVError::invalidCall(QStringLiteral("tree has a cycle"));
+}
+
+bool OutlineGrid::keepTree(const std::vector<TreeNode> &nodes, int textCol, int baseLevel,
+                           bool sortByText)
+{
+    checkCol(textCol);
+    if (baseLevel < 0)
+        throw DLVError::invalidCall(QStringLiteral("outline level %1").arg(baseLevel));
+    if (rowCount() - m_fixedRows != int(nodes.size()))
+        return false;
+    std::vector<int> order;
+    std::vector<int> depth;
+    treeOrder(nodes, sortByText, order, depth);
+    for (size_t k = 0; k < order.size(); ++k) {
+        const int i = order[k];
+        const Row &r = m_rows[size_t(m_fixedRows) + k];
+        const Cell &c = std::as_const(r.cells)[textCol];
+        if (!r.node || r.level != baseLevel + depth[size_t(i)] ||
+            !sameText(r.data, nodes[size_t(i)].rowData) || c.digits || c.decimal ||
+            !std::isnan(c.number) || !sameText(c.text, nodes[size_t(i)].text))
+            return false;
+    }
+    bool heights = false;
+    for (int r = m_fixedRows; r < rowCount(); ++r) {
+        setCollapsed(r, false);
+        if (m_rows[size_t(r)].height != -1) {
+            m_rows[size_t(r)].height = -1;
+            heights = true;
+        }
+    }
+    if (heights)
+        notifyLayout();
+    return true;
+}
+
+std::vector<int> OutlineGrid::appendTree(const std::vector<TreeNode> &nodes, int textCol,
+                                         int baseLevel, bool sortByText)
+{
+    checkCol(textCol);
+    if (baseLevel < 0)
+        throw DLVError::invalidCall(QStringLiteral("outline level %1").arg(baseLevel));
+    const int n = int(nodes.size());
+    std::vector<int> order;
+    std::vector<int> depth;
+    treeOrder(nodes, sortByText, order, depth);
 
     beginStructure();
     const bool indexWasClean = !m_indexDirty;
     std::vector<int> rowOf(static_cast<size_t>(n));
     m_rows.reserve(m_rows.size() + size_t(n));
-    for (int i : order) {
+    for (size_t k = 0; k < order.size(); ++k) {
+        // Copying a text counts a reference in its block, one cache miss each on a large tree
+        // whose texts lie all over the heap: fetch the blocks a few nodes ahead.
+        if (k + 8 < order.size()) {
+            const TreeNode &ahead = nodes[size_t(order[k + 8])];
+            __builtin_prefetch(countOf(ahead.text));
+            __builtin_prefetch(countOf(ahead.rowData));
+        }
+        const int i = order[k];
         Row r = makeRow();
         r.node = true;
         r.level = baseLevel + depth[size_t(i)];
@@ -1086,7 +1194,7 @@ OutlineGrid::Changes OutlineGrid::changesSince(const OutlineGrid &before) const
             const Cell &x = a.cells[c];
             const Cell &y = b.cells[c];
             quint8 aspects = 0;
-            if (x.digits && y.digits ? x.number != y.number : !sameText(x.shown(), y.shown()))
+            if (!x.sameShown(y))
                 aspects |= TextChanged;
             if (x.back != y.back)
                 aspects |= BackChanged;

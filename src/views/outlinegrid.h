@@ -159,6 +159,9 @@ public:
     void setNumber(int row, int col, qint64 value);
     /// The same for a number shown with a text of the caller's (a rate with its decimals).
     void setNumber(int row, int col, double value, const QString &text);
+    /// The same for a number shown in decimals: up to 15 significant digits, as short as they
+    /// go, zero as "0" (also a negative zero).
+    void setDecimal(int row, int col, double value);
     /// The number setNumber() wrote into the cell, NaN when its text was written otherwise.
     [[nodiscard]] double number(int row, int col) const;
     void setText(int row1, int col1, int row2, int col2, const QString &text);
@@ -223,6 +226,13 @@ public:
     /// subtree, siblings in list order (or by text ascending, stable, when sortByText). text goes
     /// into column textCol; top nodes get level baseLevel. Returns the grid row of each list item.
     /// Linear (n log n when sorting). Throws DLVError(5) for a bad parent index or a cycle.
+    /// When the data rows already are the rows appendTree() would append for nodes (same order,
+    /// levels, row data and texts in textCol), keeps them: expands them, gives them the default
+    /// height and returns true; their other cells stay as they are, for the caller to write.
+    /// Otherwise changes nothing and returns false. A refill of an unchanged tree then writes only
+    /// the cells whose values change, and the rows keep sharing their cells with a fill baseline.
+    bool keepTree(const std::vector<TreeNode> &nodes, int textCol, int baseLevel = 0,
+                  bool sortByText = false);
     std::vector<int> appendTree(const std::vector<TreeNode> &nodes, int textCol, int baseLevel = 0,
                                 bool sortByText = false);
     /// Moves row (with its subtree) to be the last child of the node parentRow. Throws DLVError(5)
@@ -297,18 +307,23 @@ private:
         /// The text shown. A whole number that setNumber wrote keeps only its value until its
         /// text is first asked for: a fill writes hundreds of thousands of them, a view shows a
         /// screenful.
+        /// The text setDecimal() shows for value.
+        [[nodiscard]] static QString decimalText(double value);
         [[nodiscard]] const QString &shown() const
         {
-            if (digits && text.isNull())
-                text = QString::number(qint64(number));
+            if (text.isNull() && (digits || decimal))
+                text = digits ? QString::number(qint64(number)) : decimalText(number);
             return text;
         }
+        /// Whether the cell shows exactly what o shows.
+        [[nodiscard]] bool sameShown(const Cell &o) const;
         mutable QString text; ///< null while a number's digits are not yet written (see shown())
         /// The number the text was written from (setNumber), NaN for any other text.
         double number = std::numeric_limits<double>::quiet_NaN();
         QRgb back = 0; ///< alpha 0: no colour set
         bool bold = false;
-        bool digits = false; ///< text is number's decimal digits: equal numbers, equal text
+        bool digits = false;  ///< text is number's decimal digits: equal numbers, equal text
+        bool decimal = false; ///< text is decimalText(number): equal numbers, equal text
     };
     struct Row
     {
@@ -343,6 +358,11 @@ private:
     void beginStructure();
     void endStructure();
     void notifyCells(int row1, int col1, int row2, int col2);
+    /// The rows appendTree() lays out for nodes: node indexes depth first, and each one's depth.
+    static void treeOrder(const std::vector<TreeNode> &nodes, bool sortByText,
+                          std::vector<int> &order, std::vector<int> &depth);
+    /// Gives the cell value's text, number and form, unless it holds them already.
+    void writeCell(int row, int col, const Cell &value);
     void notifyLayout();
     void notifyCollapse(int row);
     void clampCurrent();

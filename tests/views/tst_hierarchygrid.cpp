@@ -374,6 +374,91 @@ TEST(HierarchyGridFigures, BottomUpSumsMatchTheUnitByUnitListingOnRandomData)
     EXPECT_GT(overflows, 10); // the data reach the overflow often enough to compare it too
 }
 
+/// Everything a grid shows and keeps of its data rows, one line per row.
+std::vector<std::string> wholeState(const OutlineGrid &g)
+{
+    std::vector<std::string> out;
+    for (int r = 0; r < g.rowCount(); ++r) {
+        QString line = QStringLiteral("%1 %2 %3 %4 %5 %6 |")
+                           .arg(g.isNode(r))
+                           .arg(g.outlineLevel(r))
+                           .arg(g.rowData(r))
+                           .arg(g.isCollapsed(r))
+                           .arg(g.rowHeight(r))
+                           .arg(g.isEmpty(r, 0));
+        for (int c = 0; c < g.colCount(); ++c)
+            line += QStringLiteral(" %1/%2/%3/%4")
+                        .arg(g.text(r, c), g.backColor(r, c).name())
+                        .arg(g.isBold(r, c))
+                        .arg(g.number(r, c));
+        out.push_back(line.toStdString());
+    }
+    return out;
+}
+
+// A refill keeps the rows of an unchanged tree and rewrites only what changed: whatever the grids
+// held before (other figures, grey rows, a failed fill, a collapsed or resized row, a colour a
+// user's view left), they must end exactly as a first fill leaves new grids.
+TEST(HierarchyGridFigures, ARefillLeavesTheGridsAFirstFillGives)
+{
+    QRandomGenerator random(20261125);
+    Grids reused;
+    int overflows = 0;
+    for (int round = 0; round < 120; ++round) {
+        SCOPED_TRACE(round);
+        // Two tree shapes, every unit in the model (none is pruned), so that most rounds meet the
+        // tree of the round before and keep its rows.
+        const int shape = random.bounded(4) == 0 ? 1 : 0;
+        DLVDataBuilder b;
+        b.unit("#", "All", "").jobType("T", "T").jobClass("C", "C");
+        QStringList ids;
+        for (int i = 0; i < 8 + shape * 3; ++i) {
+            const QString id = QStringLiteral("U%1").arg(i);
+            b.unit(id, id, i == 0 ? QStringLiteral("#") : QStringLiteral("U%1").arg(i / 2));
+            ids << id;
+            const QString techs =
+                QString::number(random.bounded(6) == 0 ? 1500000000 : random.bounded(50));
+            b.general(id, id, techs, QString::number(random.bounded(9)),
+                      QString::number(random.bounded(9)));
+            if (random.bounded(2) != 0)
+                b.detail(id, "T", "C", {QString::number(random.bounded(30))});
+        }
+        QStringList selection;
+        for (const QString &id : ids) {
+            if (random.bounded(3) == 0)
+                selection << id;
+        }
+        LoadedModel model(b);
+        // What a user or another feature may have done to the rows since the last fill.
+        OutlineGrid &g = reused.workOrders;
+        if (g.rowCount() > 4) {
+            const int row = 2 + int(random.bounded(quint32(g.rowCount() - 2)));
+            switch (random.bounded(4)) {
+            case 0:
+                g.setCollapsed(row, true);
+                break;
+            case 1:
+                g.setRowHeight(row, 500);
+                break;
+            case 2:
+                g.setBackColor(row, 3, QColor(Qt::red));
+                break;
+            default:
+                g.setBold(row, 5, true);
+            }
+        }
+        Grids fresh;
+        const int failedFresh = thrownNumber([&] { fresh.fill(model, selection); });
+        const int failedReused = thrownNumber([&] { reused.fill(model, selection); });
+        ASSERT_EQ(failedReused, failedFresh);
+        overflows += failedFresh != 0;
+        ASSERT_EQ(wholeState(reused.workOrders), wholeState(fresh.workOrders));
+        ASSERT_EQ(wholeState(reused.points), wholeState(fresh.points));
+    }
+    EXPECT_GT(overflows, 5);
+    EXPECT_LT(overflows, 60); // most rounds write figures
+}
+
 // The unit list as a tree: where each listed unit hangs, and what a filter leaves visible.
 TEST(UnitListTree, ItemsHangUnderTheirNearestListedAncestorAndFiltersKeepTheWayToAMatch)
 {
