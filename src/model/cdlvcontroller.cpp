@@ -20,7 +20,7 @@ namespace {
 // Fills one exact-key lookup from two columns of a code table, row by row; a repeated key raises
 // DLVError(457) with the rows before it kept.
 void fillLookup(StringSet &lookup, const QZWebTable &table, QStringView keyColumn,
-                QStringView valueColumn)
+                QStringView valueColumn, const StringSet *keysOfRows = nullptr)
 {
     lookup.clear();
     const int rows = table.rowCount();
@@ -29,8 +29,12 @@ void fillLookup(StringSet &lookup, const QZWebTable &table, QStringView keyColum
     const int keyAt = table.requireColumn(keyColumn);
     const int valueAt = table.requireColumn(valueColumn);
     lookup.reserve(rows);
-    for (int i = 1; i <= rows; ++i)
-        lookup.add(table.value(i, keyAt).toString(), table.value(i, valueAt).toString());
+    for (int i = 1; i <= rows; ++i) {
+        // A lookup just filled from the same rows' keys lends its key strings: the two then
+        // share every key, which also shows at a glance that they list the same ids.
+        lookup.add(keysOfRows ? keysOfRows->keyAt(i - 1) : table.value(i, keyAt).toString(),
+                   table.value(i, valueAt).toString());
+    }
 }
 
 // A time of day shifted by a number of minutes must stay inside the host platform's date range
@@ -71,6 +75,7 @@ void cDLVController::Release()
     if (m_bus)
         m_bus->Terminate();
     m_bus = std::make_unique<BusinessUnits>();
+    ++m_busEpoch;
     m_buDescriptions.clear();
     m_parentBUIDs.clear();
     m_jobTypeDescriptions.clear();
@@ -186,10 +191,10 @@ void cDLVController::LoadCodeLookups(const QZWebTable &businessUnits, const QZWe
                                      const QZWebTable &jobClasses)
 {
     // Lookup by lookup: a failure leaves the later lookups as the previous load left them.
-    fillLookup(m_buDescriptions, businessUnits, u"BUID", u"BUDesc");
     m_hierarchyValid = false;
     ++m_parentEpoch;
-    fillLookup(m_parentBUIDs, businessUnits, u"BUID", u"ParentBUID");
+    fillLookup(m_buDescriptions, businessUnits, u"BUID", u"BUDesc");
+    fillLookup(m_parentBUIDs, businessUnits, u"BUID", u"ParentBUID", &m_buDescriptions);
     fillLookup(m_jobTypeDescriptions, jobTypes, u"JobType", u"JobTypeDesc");
     fillLookup(m_jobClassDescriptions, jobClasses, u"JobClass", u"JobClassDesc");
 }
@@ -199,6 +204,7 @@ void cDLVController::LoadBUData(const QZWebTable &general, const QZWebTable &det
     ErrorTrap::run(m_reporter, QStringLiteral("cDLVController.LoadBUData"), [&] {
         m_bus->Terminate();
         m_bus = std::make_unique<BusinessUnits>();
+        ++m_busEpoch;
         BusinessUnits &bus = *m_bus;
 
         GeneralColumns generalColumns(general);
@@ -246,6 +252,27 @@ const BUHierarchy &cDLVController::Hierarchy() const
         m_hierarchyValid = true;
     }
     return m_hierarchy;
+}
+
+UnitLookups cDLVController::Lookups() const
+{
+    const BUHierarchy &hierarchy = Hierarchy();
+    KeptUnits &kept = m_keptUnits;
+    if (kept.parentEpoch != m_parentEpoch || kept.busEpoch != m_busEpoch) {
+        // Every fill looks units up by position; each id is looked up once per load.
+        kept.units.resize(std::size_t(hierarchy.count()));
+        for (int u = 0; u < hierarchy.count(); ++u)
+            kept.units[std::size_t(u)] = m_bus->Item(hierarchy.id(u));
+        kept.aligned = m_buDescriptions.count() == m_parentBUIDs.count();
+        for (qsizetype i = 0; kept.aligned && i < m_buDescriptions.count(); ++i) {
+            const QString &a = m_buDescriptions.keyAt(i);
+            const QString &b = m_parentBUIDs.keyAt(i);
+            kept.aligned = a.constData() == b.constData() || a == b;
+        }
+        kept.parentEpoch = m_parentEpoch;
+        kept.busEpoch = m_busEpoch;
+    }
+    return {m_buDescriptions, m_parentBUIDs, hierarchy, kept.units, kept.aligned};
 }
 
 StringSet cDLVController::GetBUList()

@@ -69,11 +69,8 @@ public:
     [[nodiscard]] const StringSet *TimeFormats() const { return m_timeFormats.get(); }
     /// The children index of ParentBUIDs, for building the hierarchy without rescanning the map.
     [[nodiscard]] const BUHierarchy &Hierarchy() const;
-    /// The three lookups the hierarchy views read, as one record.
-    [[nodiscard]] UnitLookups Lookups() const
-    {
-        return {m_buDescriptions, m_parentBUIDs, Hierarchy()};
-    }
+    /// The lookups the hierarchy views read, as one record.
+    [[nodiscard]] UnitLookups Lookups() const;
 
     /// Ids of the selected items of lvBU, in list order (the key less its first character).
     [[nodiscard]] StringSet GetBUList();
@@ -150,6 +147,18 @@ private:
     };
     KeptList m_keptChosen;
     KeptList m_keptAggregate;
-    quint64 m_parentEpoch = 1;
+    quint64 m_parentEpoch = 1; // counts changes of the unit lookups
+    quint64 m_busEpoch = 1;    // counts new models
+
+    // The model's unit of each hierarchy position and whether the lookups are aligned, kept for
+    // the lookups and model they were taken from.
+    struct KeptUnits
+    {
+        quint64 parentEpoch = 0;
+        quint64 busEpoch = 0;
+        std::vector<const BusinessUnit *> units;
+        bool aligned = false;
+    };
+    mutable KeptUnits m_keptUnits;
     FillBusy m_busy;
 };

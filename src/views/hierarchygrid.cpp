@@ -143,10 +143,14 @@ void HierarchyGrid::InitBUHierarchyGrid(OutlineGrid &grid, int index, const Capt
     grid.setOutlineTextCol(-1);
 }
 
-std::vector<OutlineGrid::TreeNode> HierarchyGrid::BuildTree(const StringSet &buDescriptions,
-                                                            const StringSet &parentBUIDs,
+std::vector<OutlineGrid::TreeNode> HierarchyGrid::BuildTree(const UnitLookups &lookups,
                                                             const BusinessUnits &bus)
 {
+    const StringSet &buDescriptions = lookups.descriptions;
+    const StringSet &parentBUIDs = lookups.parents;
+    // When both lookups list the same ids in the same order, an entry's position is its unit's
+    // in both and in the hierarchy, which also knows each parent's position: no id is looked up.
+    const bool aligned = lookups.aligned;
     // Units are numbered by their position in the description lookup: each has one row there.
     const std::size_t n = std::size_t(buDescriptions.count());
     const qsizetype rootPosition = buDescriptions.indexOf(RootKey);
@@ -160,12 +164,13 @@ std::vector<OutlineGrid::TreeNode> HierarchyGrid::BuildTree(const StringSet &buD
     // empty unit or parent id moves nothing; the root itself never moves (everything lies in its
     // subtree).
     SubtreeSets sets(n);
-    for (const auto &entry : parentBUIDs) {
+    for (qsizetype position = 0; position < parentBUIDs.count(); ++position) {
+        const auto &entry = parentBUIDs.at(position);
         const QString &unitId = entry.key;
         const QString &parentId = entry.value;
         if (unitId.isEmpty() || parentId.isEmpty() || unitId == RootKey)
             continue;
-        const qsizetype unit = buDescriptions.indexOf(unitId);
+        const qsizetype unit = aligned ? position : buDescriptions.indexOf(unitId);
         if (unit < 0)
             continue;
         if (parentId == RootKey) {
@@ -173,7 +178,8 @@ std::vector<OutlineGrid::TreeNode> HierarchyGrid::BuildTree(const StringSet &buD
             moved.push_back(int(unit));
             continue;
         }
-        const qsizetype parent = buDescriptions.indexOf(parentId);
+        const qsizetype parent = aligned ? lookups.hierarchy.parentIndex(int(position))
+                                         : buDescriptions.indexOf(parentId);
         if (parent < 0)
             continue;
         // A node cannot move into its own subtree: a self-parent or a cycle leaves it put.
@@ -188,7 +194,8 @@ std::vector<OutlineGrid::TreeNode> HierarchyGrid::BuildTree(const StringSet &buD
     // is marked once, walking up from every unit the model holds.
     std::vector<char> keep(n, 0);
     for (std::size_t i = 0; i < n; ++i) {
-        if (qsizetype(i) == rootPosition || !bus.Item(buDescriptions.keyAt(qsizetype(i))))
+        if (qsizetype(i) == rootPosition ||
+            !(aligned ? lookups.units[i] : bus.Item(buDescriptions.keyAt(qsizetype(i)))))
             continue;
         for (int x = int(i); x >= 0 && !keep[std::size_t(x)]; x = parentOf[std::size_t(x)])
             keep[std::size_t(x)] = 1;
@@ -281,13 +288,13 @@ struct WideFigures
 /// negative (a partial sum then overflows only if the whole does) and the tree has no cycle; the
 /// caller takes the unit-by-unit way otherwise, which also reports an overflow where it occurs.
 bool fillBottomUp(std::vector<RowFigures> &figures, const OutlineGrid &workOrders,
-                  const BUHierarchy &hierarchy, const BusinessUnits &bus,
-                  const StringSet &selection)
+                  const UnitLookups &lookups, const BusinessUnits &bus, const StringSet &selection)
 {
+    const BUHierarchy &hierarchy = lookups.hierarchy;
     const int n = hierarchy.count();
     std::vector<WideFigures> sums(static_cast<std::size_t>(n));
     for (int u = 0; u < n; ++u) {
-        if (const BusinessUnit *bu = bus.Item(hierarchy.id(u))) {
+        if (const BusinessUnit *bu = lookups.units[std::size_t(u)]) {
             if (!sums[std::size_t(u)].assign(*bu))
                 return false;
         }
@@ -350,7 +357,7 @@ std::vector<RowFigures> rowFigures(const OutlineGrid &workOrders, const UnitLook
                                    const BusinessUnits &bus, const StringSet &selection)
 {
     std::vector<RowFigures> figures(std::size_t(workOrders.rowCount()));
-    if (!fillBottomUp(figures, workOrders, lookups.hierarchy, bus, selection) ||
+    if (!fillBottomUp(figures, workOrders, lookups, bus, selection) ||
         std::any_of(selection.begin(), selection.end(),
                     [](const auto &entry) { return entry.key.contains(u','); })) {
         figures.assign(figures.size(), RowFigures{});
@@ -389,15 +396,12 @@ void fillUnitByUnit(std::vector<RowFigures> &figures, const OutlineGrid &workOrd
                     const UnitLookups &lookups, const BusinessUnits &bus,
                     const StringSet &selection)
 {
-
     // The descendants come from the children index. Its listing splits ids that
     // hold a comma into pieces; only then is the general id list needed.
     const BUHierarchy &hierarchy = lookups.hierarchy;
     bool commaInIds = false;
     for (int u = 0; u < hierarchy.count() && !commaInIds; ++u)
         commaInIds = hierarchy.id(u).contains(u',');
-    std::vector<const BusinessUnit *> unitOf(std::size_t(hierarchy.count()), nullptr);
-    std::vector<char> looked(std::size_t(hierarchy.count()), 0);
     std::vector<int> walk;
 
     for (const auto &entry : selection) {
@@ -419,11 +423,7 @@ void fillUnitByUnit(std::vector<RowFigures> &figures, const OutlineGrid &workOrd
         walk.clear();
         hierarchy.appendDescendants(entry.key, walk);
         for (const int unit : walk) {
-            if (!looked[std::size_t(unit)]) {
-                unitOf[std::size_t(unit)] = bus.Item(hierarchy.id(unit));
-                looked[std::size_t(unit)] = 1;
-            }
-            if (const BusinessUnit *bu = unitOf[std::size_t(unit)])
+            if (const BusinessUnit *bu = lookups.units[std::size_t(unit)])
                 f.add(*bu);
         }
     }
@@ -436,8 +436,7 @@ void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const Uni
 {
     OutlineGrid::RedrawSuspender suspendWorkOrders(workOrders);
     OutlineGrid::RedrawSuspender suspendPoints(points);
-    const std::vector<OutlineGrid::TreeNode> nodes =
-        BuildTree(lookups.descriptions, lookups.parents, bus);
+    const std::vector<OutlineGrid::TreeNode> nodes = BuildTree(lookups, bus);
     for (OutlineGrid *grid : {&workOrders, &points}) {
         // The same tree as last time keeps its rows (a refresh mostly changes figures only).
         if (!grid->keepTree(nodes, 0, 0, true)) {

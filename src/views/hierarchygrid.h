@@ -50,9 +50,8 @@ public:
     /// The tree as appendTree() takes it: the root first, then the units that stay under the
     /// root in description-lookup order, then the units moved under a parent in parent-lookup
     /// order. Appended with sorting by text, it gives the rows of the step-by-step procedure.
-    [[nodiscard]] static std::vector<OutlineGrid::TreeNode>
-    BuildTree(const StringSet &buDescriptions, const StringSet &parentBUIDs,
-              const BusinessUnits &bus);
+    [[nodiscard]] static std::vector<OutlineGrid::TreeNode> BuildTree(const UnitLookups &lookups,
+                                                                      const BusinessUnits &bus);
 
     /// The whole fill of both grids: the tree (the rows of the last fill when it is unchanged,
     /// else new rows), column 0 bold from row 1, figures of the selected units, grey rows that no

@@ -128,6 +128,42 @@ TEST_F(LoadingTest, DuplicateCodesAbortTheLoadAndFreeTheFlags)
     EXPECT_EQ(controller.TimeFormats()->keys(), (Ids{"PO", "SP"}));
 }
 
+TEST_F(LoadingTest, UnitTableFollowsEachLoadAndLookupsOfDifferentLoadsAreNotAligned)
+{
+    load(DLVDataBuilder()
+             .unit("#", "All", "")
+             .unit("B1", "One", "#")
+             .unit("b2", "Two", "B1")
+             .general("B1")
+             .general("B2"));
+    {
+        const UnitLookups lookups = controller.Lookups();
+        EXPECT_TRUE(lookups.aligned);
+        ASSERT_EQ(lookups.units.size(), 3u);
+        EXPECT_EQ(lookups.units[0], nullptr); // "#" is no unit of the model
+        EXPECT_EQ(lookups.units[1], &unit(u"B1"));
+        EXPECT_EQ(lookups.units[2], &unit(u"B2")); // units match without regard to case
+    }
+
+    // The descriptions come from the new message, the parents' column is missing: the parent
+    // lookup is left empty and the two no longer list the same ids.
+    load(DLVDataBuilder()
+             .unit("#", "All", "")
+             .unit("B3", "Three", "#")
+             .general("B3")
+             .withoutColumn("BusinessUnits", "ParentBUID"));
+    EXPECT_EQ(reportTexts(), Reports{"cDLVController.LoadData 9"});
+    EXPECT_FALSE(controller.Lookups().aligned);
+    EXPECT_EQ(controller.Lookups().units.size(), 0u);
+
+    reporter.reports.clear();
+    load(DLVDataBuilder().unit("B4", "Four", "#").general("B4"));
+    const UnitLookups lookups = controller.Lookups();
+    EXPECT_TRUE(lookups.aligned);
+    ASSERT_EQ(lookups.units.size(), 1u);
+    EXPECT_EQ(lookups.units[0], &unit(u"B4"));
+}
+
 DLVDataBuilder fullLoad()
 {
     return DLVDataBuilder()

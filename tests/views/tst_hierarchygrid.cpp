@@ -199,6 +199,20 @@ TEST(HierarchyGridTree, DirectBuildMatchesTheStepByStepProcedureOnRandomData)
         }
         LoadedModel model(b);
         ASSERT_TRUE(model.reporter.reports.empty());
+        // Lookups of one table list the same ids: the build reads positions instead of ids.
+        // Read by id (as for lookups of different loads), it must give the same nodes.
+        const UnitLookups lookups = model.controller.Lookups();
+        ASSERT_TRUE(lookups.aligned);
+        UnitLookups byId = lookups;
+        byId.aligned = false;
+        const auto nodes = HierarchyGrid::BuildTree(lookups, model.controller.BUs());
+        const auto nodesById = HierarchyGrid::BuildTree(byId, model.controller.BUs());
+        ASSERT_EQ(nodes.size(), nodesById.size());
+        for (std::size_t i = 0; i < nodes.size(); ++i) {
+            ASSERT_EQ(nodes[i].text, nodesById[i].text);
+            ASSERT_EQ(nodes[i].rowData, nodesById[i].rowData);
+            ASSERT_EQ(nodes[i].parent, nodesById[i].parent);
+        }
         Grids g;
         g.fill(model, {});
         OutlineGrid reference;
