@@ -144,7 +144,8 @@ void HierarchyGrid::InitBUHierarchyGrid(OutlineGrid &grid, int index, const Capt
 }
 
 std::vector<OutlineGrid::TreeNode> HierarchyGrid::BuildTree(const UnitLookups &lookups,
-                                                            const BusinessUnits &bus)
+                                                            const BusinessUnits &bus,
+                                                            std::vector<int> *nodeOfUnit)
 {
     const StringSet &buDescriptions = lookups.descriptions;
     const StringSet &parentBUIDs = lookups.parents;
@@ -203,6 +204,8 @@ std::vector<OutlineGrid::TreeNode> HierarchyGrid::BuildTree(const UnitLookups &l
 
     // The root is pruned like any other node: once no unit below it stays, it stays only when the
     // model holds a unit "#" itself. Otherwise a grey row of zeros would stand for nothing.
+    if (nodeOfUnit)
+        nodeOfUnit->assign(n, -1);
     if (std::find(keep.begin(), keep.end(), char(1)) == keep.end() && !bus.Item(RootKey))
         return {};
 
@@ -235,6 +238,11 @@ std::vector<OutlineGrid::TreeNode> HierarchyGrid::BuildTree(const UnitLookups &l
     for (std::size_t k = firstMoved; k < nodes.size(); ++k) {
         const int parent = parentOf[std::size_t(unitOfNode[k])];
         nodes[k].parent = parent == UnderRoot ? 0 : nodeOf[std::size_t(parent)];
+    }
+    if (nodeOfUnit) {
+        *nodeOfUnit = std::move(nodeOf);
+        if (rootPosition >= 0)
+            (*nodeOfUnit)[std::size_t(rootPosition)] = 0;
     }
     return nodes;
 }
@@ -288,7 +296,8 @@ struct WideFigures
 /// negative (a partial sum then overflows only if the whole does) and the tree has no cycle; the
 /// caller takes the unit-by-unit way otherwise, which also reports an overflow where it occurs.
 bool fillBottomUp(std::vector<RowFigures> &figures, const OutlineGrid &workOrders,
-                  const UnitLookups &lookups, const BusinessUnits &bus, const StringSet &selection)
+                  const UnitLookups &lookups, const BusinessUnits &bus, const StringSet &selection,
+                  const std::vector<int> &rowOfUnit)
 {
     const BUHierarchy &hierarchy = lookups.hierarchy;
     const int n = hierarchy.count();
@@ -320,11 +329,13 @@ bool fillBottomUp(std::vector<RowFigures> &figures, const OutlineGrid &workOrder
 
     std::vector<WideFigures> rows(figures.size());
     for (const auto &entry : selection) {
-        const int row = workOrders.findRow(entry.key);
+        const int unit = hierarchy.indexOf(entry.key);
+        const int row = unit >= 0 && !rowOfUnit.empty() ? rowOfUnit[std::size_t(unit)]
+                                                        : workOrders.findRow(entry.key);
         if (row < 0)
             continue;
         WideFigures &f = rows[std::size_t(row)];
-        if (const int unit = hierarchy.indexOf(entry.key); unit >= 0) {
+        if (unit >= 0) {
             f.add(sums[std::size_t(unit)]);
             continue;
         }
@@ -354,10 +365,11 @@ namespace {
 // Each row's figures: of the unit in the row and of every unit below it that the model holds, once
 // per selected unit that reaches the row. The grid's rows are read, not written.
 std::vector<RowFigures> rowFigures(const OutlineGrid &workOrders, const UnitLookups &lookups,
-                                   const BusinessUnits &bus, const StringSet &selection)
+                                   const BusinessUnits &bus, const StringSet &selection,
+                                   const std::vector<int> &rowOfUnit)
 {
     std::vector<RowFigures> figures(std::size_t(workOrders.rowCount()));
-    if (!fillBottomUp(figures, workOrders, lookups, bus, selection) ||
+    if (!fillBottomUp(figures, workOrders, lookups, bus, selection, rowOfUnit) ||
         std::any_of(selection.begin(), selection.end(),
                     [](const auto &entry) { return entry.key.contains(u','); })) {
         figures.assign(figures.size(), RowFigures{});
@@ -436,20 +448,35 @@ void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const Uni
 {
     OutlineGrid::RedrawSuspender suspendWorkOrders(workOrders);
     OutlineGrid::RedrawSuspender suspendPoints(points);
-    const std::vector<OutlineGrid::TreeNode> nodes = BuildTree(lookups, bus);
+    std::vector<int> nodeOfUnit;
+    const std::vector<OutlineGrid::TreeNode> nodes = BuildTree(lookups, bus, &nodeOfUnit);
+    const OutlineGrid::TreeLayout layout = OutlineGrid::layOutTree(nodes, true);
     for (OutlineGrid *grid : {&workOrders, &points}) {
         // The same tree as last time keeps its rows (a refresh mostly changes figures only).
-        if (!grid->keepTree(nodes, 0, 0, true)) {
+        if (!grid->keepTree(nodes, layout, 0, 0)) {
             grid->removeSubtotals();
             grid->setRowCount(2);
-            grid->appendTree(nodes, 0, 0, true);
+            grid->appendTree(nodes, layout, 0, 0);
         }
         if (grid->rowCount() > 1)
             grid->setBold(1, 0, grid->rowCount() - 1, 0, true);
     }
+    // Each unit's row, when the lookups are aligned (a position is then a hierarchy index too):
+    // the sums find the chosen units' rows without looking their ids up in the grid.
+    std::vector<int> rowOfUnit;
+    if (lookups.aligned) {
+        std::vector<int> rowOfNode(nodes.size());
+        for (std::size_t k = 0; k < layout.order.size(); ++k)
+            rowOfNode[std::size_t(layout.order[k])] = workOrders.fixedRows() + int(k);
+        rowOfUnit.assign(nodeOfUnit.size(), -1);
+        for (std::size_t u = 0; u < nodeOfUnit.size(); ++u) {
+            if (nodeOfUnit[u] >= 0)
+                rowOfUnit[u] = rowOfNode[std::size_t(nodeOfUnit[u])];
+        }
+    }
     std::vector<RowFigures> figures;
     try {
-        figures = rowFigures(workOrders, lookups, bus, selection);
+        figures = rowFigures(workOrders, lookups, bus, selection, rowOfUnit);
     } catch (...) {
         writeRows(workOrders, nullptr, &RowFigures::workOrders);
         writeRows(points, nullptr, &RowFigures::points);

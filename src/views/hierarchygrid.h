@@ -50,8 +50,11 @@ public:
     /// The tree as appendTree() takes it: the root first, then the units that stay under the
     /// root in description-lookup order, then the units moved under a parent in parent-lookup
     /// order. Appended with sorting by text, it gives the rows of the step-by-step procedure.
-    [[nodiscard]] static std::vector<OutlineGrid::TreeNode> BuildTree(const UnitLookups &lookups,
-                                                                      const BusinessUnits &bus);
+    /// nodeOfUnit, when given, receives each description-lookup position's node (the root's
+    /// position: the root node), or -1 for a unit left out.
+    [[nodiscard]] static std::vector<OutlineGrid::TreeNode>
+    BuildTree(const UnitLookups &lookups, const BusinessUnits &bus,
+              std::vector<int> *nodeOfUnit = nullptr);
 
     /// The whole fill of both grids: the tree (the rows of the last fill when it is unchanged,
     /// else new rows), column 0 bold from row 1, figures of the selected units, grey rows that no

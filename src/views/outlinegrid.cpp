@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <utility>
 
 namespace {
@@ -787,9 +788,11 @@ const void *countOf(const QString &text)
 
 } // namespace
 
-void OutlineGrid::treeOrder(const std::vector<TreeNode> &nodes, bool sortByText,
-                            std::vector<int> &order, std::vector<int> &depth)
+OutlineGrid::TreeLayout OutlineGrid::layOutTree(const std::vector<TreeNode> &nodes, bool sortByText)
 {
+    TreeLayout layout;
+    std::vector<int> &order = layout.order;
+    std::vector<int> &depth = layout.depth;
     const int n = int(nodes.size());
     // Children index (slot n: the top nodes), in list order.
     std::vector<int> start(size_t(n) + 2, 0);
@@ -810,11 +813,37 @@ void OutlineGrid::treeOrder(const std::vector<TreeNode> &nodes, bool sortByText,
         }
     }
     if (sortByText) {
+        // Most comparisons are settled by the texts' first eight UTF-16 units, packed once per
+        // node in order (zero-padded: a text that ends first packs lower, as it sorts lower);
+        // only equal packs read the texts, which lie all over the heap in a large tree.
+        struct Prefix
+        {
+            std::uint64_t high = 0;
+            std::uint64_t low = 0;
+        };
+        std::vector<Prefix> prefix(static_cast<size_t>(n));
+        for (int i = 0; i < n; ++i) {
+            const QString &text = nodes[size_t(i)].text;
+            const QChar *units = text.constData();
+            const int length = int(std::min<qsizetype>(text.size(), 8));
+            Prefix &p = prefix[size_t(i)];
+            for (int k = 0; k < length; ++k) {
+                std::uint64_t &half = k < 4 ? p.high : p.low;
+                half |= std::uint64_t(units[k].unicode()) << (48 - 16 * (k % 4));
+            }
+        }
+        const auto less = [&](int a, int b) {
+            const Prefix &pa = prefix[size_t(a)];
+            const Prefix &pb = prefix[size_t(b)];
+            if (pa.high != pb.high)
+                return pa.high < pb.high;
+            if (pa.low != pb.low)
+                return pa.low < pb.low;
+            return lessText(nodes[size_t(a)].text, nodes[size_t(b)].text);
+        };
         for (int slot = 0; slot <= n; ++slot) {
             std::stable_sort(kids.begin() + start[size_t(slot)],
-                             kids.begin() + start[size_t(slot) + 1], [&](int a, int b) {
-                                 return lessText(nodes[size_t(a)].text, nodes[size_t(b)].text);
-                             });
+                             kids.begin() + start[size_t(slot) + 1], less);
         }
     }
 
@@ -836,19 +865,19 @@ void OutlineGrid::treeOrder(const std::vector<TreeNode> &nodes, bool sortByText,
     }
     if (int(order.size()) != n)
         throw DLVError::invalidCall(QStringLiteral("tree has a cycle"));
+    return layout;
 }
 
-bool OutlineGrid::keepTree(const std::vector<TreeNode> &nodes, int textCol, int baseLevel,
-                           bool sortByText)
+bool OutlineGrid::keepTree(const std::vector<TreeNode> &nodes, const TreeLayout &layout,
+                           int textCol, int baseLevel)
 {
     checkCol(textCol);
     if (baseLevel < 0)
         throw DLVError::invalidCall(QStringLiteral("outline level %1").arg(baseLevel));
-    if (rowCount() - m_fixedRows != int(nodes.size()))
+    const std::vector<int> &order = layout.order;
+    const std::vector<int> &depth = layout.depth;
+    if (rowCount() - m_fixedRows != int(nodes.size()) || order.size() != nodes.size())
         return false;
-    std::vector<int> order;
-    std::vector<int> depth;
-    treeOrder(nodes, sortByText, order, depth);
     for (size_t k = 0; k < order.size(); ++k) {
         const int i = order[k];
         const Row &r = m_rows[size_t(m_fixedRows) + k];
@@ -877,10 +906,20 @@ std::vector<int> OutlineGrid::appendTree(const std::vector<TreeNode> &nodes, int
     checkCol(textCol);
     if (baseLevel < 0)
         throw DLVError::invalidCall(QStringLiteral("outline level %1").arg(baseLevel));
+    return appendTree(nodes, layOutTree(nodes, sortByText), textCol, baseLevel);
+}
+
+std::vector<int> OutlineGrid::appendTree(const std::vector<TreeNode> &nodes,
+                                         const TreeLayout &layout, int textCol, int baseLevel)
+{
+    checkCol(textCol);
+    if (baseLevel < 0)
+        throw DLVError::invalidCall(QStringLiteral("outline level %1").arg(baseLevel));
     const int n = int(nodes.size());
-    std::vector<int> order;
-    std::vector<int> depth;
-    treeOrder(nodes, sortByText, order, depth);
+    const std::vector<int> &order = layout.order;
+    const std::vector<int> &depth = layout.depth;
+    if (order.size() != nodes.size())
+        throw DLVError::invalidCall(QStringLiteral("a layout of another tree"));
 
     beginStructure();
     const bool indexWasClean = !m_indexDirty;

@@ -226,13 +226,26 @@ public:
     /// subtree, siblings in list order (or by text ascending, stable, when sortByText). text goes
     /// into column textCol; top nodes get level baseLevel. Returns the grid row of each list item.
     /// Linear (n log n when sorting). Throws DLVError(5) for a bad parent index or a cycle.
-    /// When the data rows already are the rows appendTree() would append for nodes (same order,
-    /// levels, row data and texts in textCol), keeps them: expands them, gives them the default
-    /// height and returns true; their other cells stay as they are, for the caller to write.
-    /// Otherwise changes nothing and returns false. A refill of an unchanged tree then writes only
-    /// the cells whose values change, and the rows keep sharing their cells with a fill baseline.
-    bool keepTree(const std::vector<TreeNode> &nodes, int textCol, int baseLevel = 0,
-                  bool sortByText = false);
+    /// Where appendTree() puts a list of nodes: the node indexes depth first (each node directly
+    /// followed by its subtree, siblings in list order or, with sortByText, by text ascending,
+    /// stable) and each node's depth. Throws DLVError(5) for a bad parent index or a cycle.
+    struct TreeLayout
+    {
+        std::vector<int> order;
+        std::vector<int> depth;
+    };
+    [[nodiscard]] static TreeLayout layOutTree(const std::vector<TreeNode> &nodes, bool sortByText);
+    /// When the data rows already are the rows appendTree() would append for nodes laid out so
+    /// (same order, levels, row data and texts in textCol), keeps them: expands them, gives them
+    /// the default height and returns true; their other cells stay as they are, for the caller
+    /// to write. Otherwise changes nothing and returns false. A refill of an unchanged tree then
+    /// writes only the cells whose values change, and the rows keep sharing their cells with a
+    /// fill baseline.
+    bool keepTree(const std::vector<TreeNode> &nodes, const TreeLayout &layout, int textCol,
+                  int baseLevel = 0);
+    /// appendTree() for a layout already made.
+    std::vector<int> appendTree(const std::vector<TreeNode> &nodes, const TreeLayout &layout,
+                                int textCol, int baseLevel = 0);
     std::vector<int> appendTree(const std::vector<TreeNode> &nodes, int textCol, int baseLevel = 0,
                                 bool sortByText = false);
     /// Moves row (with its subtree) to be the last child of the node parentRow. Throws DLVError(5)
@@ -358,9 +371,6 @@ private:
     void beginStructure();
     void endStructure();
     void notifyCells(int row1, int col1, int row2, int col2);
-    /// The rows appendTree() lays out for nodes: node indexes depth first, and each one's depth.
-    static void treeOrder(const std::vector<TreeNode> &nodes, bool sortByText,
-                          std::vector<int> &order, std::vector<int> &depth);
     /// Gives the cell value's text, number and form, unless it holds them already.
     void writeCell(int row, int col, const Cell &value);
     void notifyLayout();
