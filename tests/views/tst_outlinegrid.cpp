@@ -2,6 +2,7 @@
 #include "views/outlinegrid.h"
 
 #include <QStringList>
+#include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
 #include <limits>
@@ -324,6 +325,49 @@ TEST(OutlineGrid, AppendTreeRejectsBadInput)
         EXPECT_EQ(errorNumber([&] { (void)r.appendTree(tree, 0); }), DLVError::InvalidCall) << name;
         EXPECT_EQ(r.rowCount(), 2) << name << ": a rejected tree adds nothing";
     }
+}
+
+TEST(OutlineGrid, TreeSiblingsSortExactlyByTheirWholeTexts)
+{
+    // The sort settles most pairs by a packed prefix of eight units; these texts tie there, end
+    // inside it, hold U+0000 or units above 0x7FFF, so that any slip in the packing shows.
+    const QString nul(QChar(0));
+    const QString texts[] = {
+        "Unit 1234 (level 3)",
+        "Unit 1234 (level 2)",
+        "Unit 1234",
+        "Unit 12",
+        "Unit 123",
+        "Unit 12345",
+        "",
+        "U",
+        "Unit" + nul,
+        "Unit",
+        "Unit" + nul + "x",
+        QString(QChar(0xFFFF)) + "a",
+        QString(QChar(0x8000)),
+        QString(QChar(0x7FFF)),
+        "unit",
+        "Unit 1234 (level 3)", // equal texts keep their list order
+        "abcdefghZ",
+        "abcdefgh",
+        "abcdefghA",
+        "abcdefgi",
+    };
+    std::vector<OutlineGrid::TreeNode> nodes{{"root", "r", -1}};
+    for (const QString &text : texts)
+        nodes.push_back({text, QStringLiteral("k%1").arg(nodes.size()), 0});
+    std::vector<int> expected(nodes.size() - 1);
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        expected[i] = int(i) + 1;
+    std::stable_sort(expected.begin(), expected.end(), [&](int a, int b) {
+        return QString::compare(nodes[size_t(a)].text, nodes[size_t(b)].text, Qt::CaseSensitive) <
+               0;
+    });
+    const OutlineGrid::TreeLayout layout = OutlineGrid::layOutTree(nodes, true);
+    ASSERT_EQ(layout.order.size(), nodes.size());
+    EXPECT_EQ(layout.order.front(), 0);
+    EXPECT_EQ(std::vector<int>(layout.order.begin() + 1, layout.order.end()), expected);
 }
 
 TEST(OutlineGrid, DeepTreesBuildWithoutExhaustingTheStack)
