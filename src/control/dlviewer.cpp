@@ -198,14 +198,7 @@ void DLViewerPrivate::connectParts()
 DrillDown DLViewerPrivate::drillDown() const
 {
     DrillDown::Sources sources;
-    sources.unitKeys = [this] {
-        QStringList keys;
-        const int count = m_choice.buListCount();
-        keys.reserve(count);
-        for (int i = 0; i < count; ++i)
-            keys.append(m_choice.buListKey(i));
-        return keys;
-    };
+    sources.unitIds = [this]() -> const QSet<QString> & { return m_choice.idSet(); };
     sources.currentBUs = [this] { return m_fills->currentBUIds(); };
     sources.buIdList = [this](const QString &buID) {
         QStringList ids;

@@ -8,6 +8,44 @@
 #include "model/spellingindex.h"
 #include "webdata/qzwebtable.h"
 
+namespace {
+
+// Empties an array for about n elements, keeping its memory unless far more than that.
+template <class T> void reuse(std::vector<T> &v, std::size_t n)
+{
+    if (v.capacity() > 2 * n + 4096)
+        v = std::vector<T>();
+    v.clear();
+}
+
+} // namespace
+
+BusinessUnits::BusinessUnits(Storage storage)
+    : m_types(std::move(storage.types)), m_classes(std::move(storage.classes)),
+      m_totals(std::move(storage.totals)), m_scratch(std::move(storage.scratch))
+{
+    m_types.clear();
+    m_classes.clear();
+    m_totals.clear();
+}
+
+BusinessUnits::Storage BusinessUnits::ReleaseStorage()
+{
+    Terminate();
+    Storage storage;
+    storage.types = std::move(m_types);
+    storage.classes = std::move(m_classes);
+    storage.totals = std::move(m_totals);
+    storage.scratch = std::move(m_scratch);
+    storage.types.clear();
+    storage.classes.clear();
+    storage.totals.clear();
+    m_types = {};
+    m_classes = {};
+    m_totals = {};
+    return storage;
+}
+
 BusinessUnit &BusinessUnits::Add(const QZWebRow &row, GeneralColumns &columns)
 {
     auto unit = std::make_unique<BusinessUnit>();
@@ -73,8 +111,8 @@ void BusinessUnits::resetLoad()
         entry.value->m_jobTypes = ::JobTypes();
         entry.value->m_allClasses = JobClasses();
     }
-    m_types = {};
-    m_classes = {};
+    m_types.clear();
+    m_classes.clear();
     m_typeCodes = CodeTable();
     m_classCodes = CodeTable();
 }
@@ -87,10 +125,15 @@ void BusinessUnits::loadGrouped(const QZWebTable &details, DetailColumns &column
 
     // 1. In table order: each row's unit, job-type and class spellings, numbered as the rows
     // first show them. Rows of other units are left out.
-    std::vector<int> rowOf;
-    std::vector<int> unitOf;
-    std::vector<int> typeOf;
-    std::vector<int> classOf;
+    Storage::Scratch &scratch = m_scratch;
+    std::vector<int> &rowOf = scratch.rowOf;
+    std::vector<int> &unitOf = scratch.unitOf;
+    std::vector<int> &typeOf = scratch.typeOf;
+    std::vector<int> &classOf = scratch.classOf;
+    for (std::vector<int> *v : {&rowOf, &unitOf, &typeOf, &classOf}) {
+        reuse(*v, std::size_t(rows));
+        v->reserve(std::size_t(rows));
+    }
     {
         RowUnits rowUnits(m_items);
         for (int i = 1; i <= rows; ++i) {
@@ -108,30 +151,28 @@ void BusinessUnits::loadGrouped(const QZWebTable &details, DetailColumns &column
 
     // 2. The entries grouped by unit, in table order within each unit (a counting sort), with
     // what the grouping needs carried along so that step 3 reads one array front to back.
-    struct Grouped
-    {
-        int entry;
-        int type;
-        int jobClass;
-    };
+    using Grouped = Storage::Scratch::Grouped;
     std::vector<int> unitStart(units + 1, 0);
     for (const int unit : unitOf)
         ++unitStart[std::size_t(unit) + 1];
     for (std::size_t u = 0; u < units; ++u)
         unitStart[u + 1] += unitStart[u];
-    std::vector<Grouped> grouped(entries);
+    std::vector<Grouped> &grouped = scratch.grouped;
+    reuse(grouped, entries);
+    grouped.resize(entries);
     {
         std::vector<int> next(unitStart.begin(), unitStart.end() - 1);
         for (std::size_t k = 0; k < entries; ++k)
             grouped[std::size_t(next[std::size_t(unitOf[k])]++)] =
                 Grouped{int(k), typeOf[k], classOf[k]};
     }
-    unitOf = {};
 
     // 3. Unit by unit, with tables the size of one unit: a job type is created by the unit's
     // first row of its code, a class by the first row of its code in the job type; the classes
     // that rows create get their places, type by type in creation order.
-    std::vector<int> placeOf(entries, -1); // per entry: its class's place, or -1
+    std::vector<int> &placeOf = scratch.placeOf; // per entry: its class's place, or -1
+    reuse(placeOf, entries);
+    placeOf.assign(entries, -1);
     struct Type
     {
         int number;
@@ -184,10 +225,11 @@ void BusinessUnits::loadGrouped(const QZWebTable &details, DetailColumns &column
         typeStart[units] = int(types.size());
         classStart[units] = placed;
     }
-    grouped = {};
 
     // 4. The model's arrays at their final size, so the views handed out never move.
+    reuse(m_classes, std::size_t(classStart[units]));
     m_classes.assign(std::size_t(classStart[units]), JobClass());
+    reuse(m_types, types.size());
     m_types.reserve(types.size());
     {
         std::size_t at = 0;
@@ -351,7 +393,7 @@ void BusinessUnits::CalcTotals(ErrorReporter *reporter)
 {
     // A unit's "TOTAL" classes are never more than its classes: reserved once, the storage never
     // moves under the views handed out.
-    m_totals.clear();
+    reuse(m_totals, m_classes.size());
     m_totals.reserve(m_classes.size());
     TotalScratch scratch;
     scratch.totalOfFold.assign(std::size_t(m_classCodes.foldCount()), -1);

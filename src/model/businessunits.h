@@ -29,7 +29,35 @@ public:
         decltype(std::declval<const OrderedDict<std::unique_ptr<BusinessUnit>> &>().begin()),
         const BusinessUnit>;
 
+    /// What a collection hands on to the next one: its arrays, emptied, with their capacity. A
+    /// load of a message like the last one then writes into memory already in use: a fresh
+    /// array of tens of megabytes comes from the system, which clears every page on first touch.
+    struct Storage
+    {
+        std::vector<JobType> types;
+        std::vector<JobClass> classes;
+        std::vector<JobClass> totals;
+        /// Working arrays of the grouped reading of the detail rows.
+        struct Scratch
+        {
+            struct Grouped
+            {
+                int entry;
+                int type;
+                int jobClass;
+            };
+            std::vector<int> rowOf;
+            std::vector<int> unitOf;
+            std::vector<int> typeOf;
+            std::vector<int> classOf;
+            std::vector<int> placeOf;
+            std::vector<Grouped> grouped;
+        } scratch;
+    };
+
     BusinessUnits() = default;
+    /// A collection that reuses storage another one handed on.
+    explicit BusinessUnits(Storage storage);
     BusinessUnits(const BusinessUnits &) = delete;
     BusinessUnits &operator=(const BusinessUnits &) = delete;
     ~BusinessUnits() = default;
@@ -68,6 +96,8 @@ public:
     bool Remove(QStringView buid);
     /// Releases every unit's job types and classes.
     void Terminate();
+    /// Terminate(), handing the arrays on for the next collection.
+    [[nodiscard]] Storage ReleaseStorage();
 
     [[nodiscard]] const_iterator begin() const { return const_iterator(m_items.begin()); }
     [[nodiscard]] const_iterator end() const { return const_iterator(m_items.end()); }
@@ -107,4 +137,5 @@ private:
     std::vector<JobType> m_types;
     std::vector<JobClass> m_classes;
     std::vector<JobClass> m_totals;
+    Storage::Scratch m_scratch;
 };

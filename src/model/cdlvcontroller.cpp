@@ -202,8 +202,9 @@ void cDLVController::LoadCodeLookups(const QZWebTable &businessUnits, const QZWe
 void cDLVController::LoadBUData(const QZWebTable &general, const QZWebTable &details, bool &ok)
 {
     ErrorTrap::run(m_reporter, QStringLiteral("cDLVController.LoadBUData"), [&] {
-        m_bus->Terminate();
-        m_bus = std::make_unique<BusinessUnits>();
+        // The new model writes into the old one's arrays: a refresh of a message like the last
+        // one then touches no fresh memory.
+        m_bus = std::make_unique<BusinessUnits>(m_bus->ReleaseStorage());
         ++m_busEpoch;
         BusinessUnits &bus = *m_bus;
 

@@ -28,8 +28,21 @@ QString ViewChoice::buListId(int index) const
     return m_ids[std::size_t(index)];
 }
 
+const QSet<QString> &ViewChoice::idSet() const
+{
+    if (!m_idSetValid) {
+        m_idSet.clear();
+        m_idSet.reserve(qsizetype(m_ids.size()));
+        for (const QString &id : m_ids)
+            m_idSet.insert(id);
+        m_idSetValid = true;
+    }
+    return m_idSet;
+}
+
 void ViewChoice::setUnits(std::vector<QString> keys, std::vector<char> chosen)
 {
+    m_idSetValid = false;
     m_keys = std::move(keys);
     m_ids.clear();
     m_ids.reserve(m_keys.size());

@@ -3,6 +3,7 @@
 #include "model/dlvsurface.h"
 
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <optional>
 #include <vector>
@@ -50,6 +51,9 @@ public:
     [[nodiscard]] QString buListKey(int index) const override { return unitKey(index); }
     [[nodiscard]] bool buListSelected(int index) const override { return isChosen(index); }
     [[nodiscard]] QString buListId(int index) const override;
+    /// The list's unit ids (each key less its first character) as a set, made once per list:
+    /// a drill-down into a large subtree tests every id of it.
+    [[nodiscard]] const QSet<QString> &idSet() const;
     [[nodiscard]] quint64 buListRevision() const override { return m_revision; }
 
 Q_SIGNALS:
@@ -62,7 +66,9 @@ Q_SIGNALS:
 
 private:
     std::vector<QString> m_keys;
-    std::vector<QString> m_ids; // the keys less their first character, made once per list
+    std::vector<QString> m_ids;    // the keys less their first character, made once per list
+    mutable QSet<QString> m_idSet; // m_ids as a set, made on first use after the list changed
+    mutable bool m_idSetValid = false;
     std::vector<char> m_chosen;
     std::optional<bool> m_singleUnits;
     std::optional<bool> m_byWorkOrders;

@@ -49,15 +49,6 @@ qint16 DrillDown::buttonCode(Qt::MouseButton button)
     }
 }
 
-QSet<QString> DrillDown::membership(const QStringList &keys)
-{
-    QSet<QString> ids;
-    ids.reserve(keys.size());
-    for (const QString &key : keys)
-        ids.insert(key.mid(1));
-    return ids;
-}
-
 QString DrillDown::joinMembers(const QStringList &ids, const QSet<QString> &members)
 {
     QString joined;
@@ -161,7 +152,8 @@ QString DrillDown::joinedMembers(const QStringList &ids) const
 {
     if (ids.isEmpty())
         return {};
-    return joinMembers(ids, membership(m_sources.unitKeys ? m_sources.unitKeys() : QStringList()));
+    static const QSet<QString> none;
+    return joinMembers(ids, m_sources.unitIds ? m_sources.unitIds() : none);
 }
 
 QString DrillDown::threshold() const

@@ -39,8 +39,8 @@ public:
 
     struct Sources
     {
-        /// Keys of the unit list lvBU, each "_" followed by a unit id.
-        std::function<QStringList()> unitKeys;
+        /// The unit ids of the unit list lvBU (each key less its "_"), as a set.
+        std::function<const QSet<QString> &()> unitIds;
         /// The unit ids of the control's current selection (the last summary fill's), in order.
         std::function<QStringList()> currentBUs;
         /// The data controller's GetBUIDList: a unit (or "#" for the root) and its descendants.
@@ -68,8 +68,6 @@ public:
     [[nodiscard]] DLVParams techCountRequest() const;
 
     [[nodiscard]] static qint16 buttonCode(Qt::MouseButton button);
-    /// The unit ids behind list keys: each key less its first character.
-    [[nodiscard]] static QSet<QString> membership(const QStringList &keys);
     /// The ids that pass the membership test, in order, joined with "|" (no trailing "|").
     [[nodiscard]] static QString joinMembers(const QStringList &ids, const QSet<QString> &members);
 
@@ -79,7 +77,7 @@ private:
     [[nodiscard]] std::optional<DLVParams> hierarchyRequest(const OutlineGrid &grid,
                                                             const Click &click) const;
     [[nodiscard]] QString currentBUIDs() const;
-    /// ids that pass the membership test, joined; the unit list is indexed once per call.
+    /// ids that pass the membership test, joined; the unit list's ids are read once per call.
     [[nodiscard]] QString joinedMembers(const QStringList &ids) const;
     [[nodiscard]] QString threshold() const;
 

@@ -9,6 +9,7 @@
 
 #include <QStringList>
 #include <gtest/gtest.h>
+#include <memory>
 #include <optional>
 #include <random>
 
@@ -70,6 +71,8 @@ Tables randomTables(std::mt19937 &random, bool withFailure)
 
 struct Loaded
 {
+    Loaded() = default;
+    explicit Loaded(BusinessUnits::Storage storage) : bus(std::move(storage)) {}
     BusinessUnits bus;
     std::optional<int> error;
 };
@@ -131,6 +134,25 @@ TEST(GroupedLoad, BuildsTheModelOfTheReadingInTableOrder)
         load(inOrder, t, false);
         ASSERT_EQ(grouped.error, inOrder.error);
         ASSERT_EQ(describe(grouped.bus), describe(inOrder.bus));
+    }
+}
+
+TEST(GroupedLoad, AModelThatReusesTheLastOnesStorageIsTheSame)
+{
+    // Each model writes into the arrays the one before left, large after small and small after
+    // large, failed loads among them: nothing of an earlier message may show through.
+    std::mt19937 random(7);
+    auto previous = std::make_unique<Loaded>();
+    for (int round = 0; round < 60; ++round) {
+        SCOPED_TRACE(round);
+        const Tables t = randomTables(random, round % 4 == 0);
+        auto reusing = std::make_unique<Loaded>(previous->bus.ReleaseStorage());
+        Loaded fresh;
+        load(*reusing, t, true);
+        load(fresh, t, true);
+        ASSERT_EQ(reusing->error, fresh.error);
+        ASSERT_EQ(describe(reusing->bus), describe(fresh.bus));
+        previous = std::move(reusing);
     }
 }
 

@@ -79,3 +79,17 @@ TEST(ViewChoice, OptionsReadFalseUntilSetAndEverySettingIsTold)
     EXPECT_TRUE(choice.singleUnits());
     EXPECT_TRUE(choice.byWorkOrders());
 }
+
+// The drill-down tests every id of a subtree against the list's ids: the set must follow each new
+// list and drop the key's first character only (an empty id is an id too).
+TEST(ViewChoice, IdSetFollowsTheList)
+{
+    ViewChoice choice;
+    EXPECT_TRUE(choice.idSet().isEmpty());
+    choice.setUnits({"_A", "_b", "_", "xLong id"}, {});
+    EXPECT_EQ(choice.idSet(), (QSet<QString>{"A", "b", "", "Long id"}));
+    choice.setChosen(0, true); // the choice is no list change
+    EXPECT_EQ(choice.idSet().size(), 4);
+    choice.setUnits({"_C"}, {1});
+    EXPECT_EQ(choice.idSet(), (QSet<QString>{"C"}));
+}

@@ -45,14 +45,18 @@ struct State
         {"U9", {"U9"}},
     };
     int keyReads = 0;
+    QSet<QString> ids; // the keys less their first character, as the unit list gives them
     QStringList idListAsked;
 
     DrillDown drillDown()
     {
         DrillDown::Sources s;
-        s.unitKeys = [this] {
+        s.unitIds = [this]() -> const QSet<QString> & {
             ++keyReads;
-            return keys;
+            ids.clear();
+            for (const QString &key : keys)
+                ids.insert(key.mid(1));
+            return ids;
         };
         s.currentBUs = [this] { return current; };
         s.buIdList = [this](const QString &id) {
@@ -225,7 +229,7 @@ TEST(DrillDown, TechnicianCountAsksForTheCurrentUnits)
 
 TEST(DrillDown, JoinDropsOnlyOneTrailingSeparator)
 {
-    const QSet<QString> members = DrillDown::membership({"_a", "_b", "_"});
+    const QSet<QString> members{"a", "b", ""};
     EXPECT_EQ(DrillDown::joinMembers({"a", "b"}, members), "a|b");
     EXPECT_EQ(DrillDown::joinMembers({"b", "zz", "a", "a"}, members), "b|a|a");
     // The empty id is a member here (key "_"): joined it ends in "|", and only one is dropped.
