@@ -162,13 +162,17 @@ LiveBench::Times LiveBench::run(const std::shared_ptr<QZWebMessage> &message,
         }
         times.collapse = collapse;
         times.expand = expand;
-        // A double-click on the open work orders of the first unit row (the root shows no figures):
-        // the request for every unit below it.
+        // A double-click on the open work orders of the unit row with the most units below it
+        // (the root shows no figures): the costliest request, for every unit below it. The
+        // first row instead would measure whatever subtree the random tree hung there.
         d.options().tabs()->setCurrentIndex(1);
         settle(viewer);
         int unitRow = top;
-        while (unitRow + 1 < tree.rowCount() && tree.text(unitRow, 1).isEmpty())
-            ++unitRow;
+        for (int row = top + 1; row < tree.rowCount(); row = tree.subtreeEnd(row) + 1) {
+            if (!tree.isEmpty(row, 1) &&
+                (unitRow == top || tree.subtreeEnd(row) - row > tree.subtreeEnd(unitRow) - unitRow))
+                unitRow = row;
+        }
         times.drillDown = Stage::bestOf(runs, [&] {
             d.views().grid(1).setCurrentCell(unitRow, 4); // the press before the double-click
             d.details().vsFlex_MouseDown(1, DrillDown::LeftButton);
