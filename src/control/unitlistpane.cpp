@@ -2,6 +2,7 @@
 
 #include "common/displaytext.h"
 #include "model/viewchoice.h"
+#include "views/gridcelldelegate.h"
 
 #include <QItemSelection>
 #include <QLineEdit>
@@ -15,6 +16,7 @@ UnitListPane::UnitListPane(QWidget *frame, QTreeWidget *list, ViewChoice &choice
     : QObject(frame), m_list(list), m_choice(&choice), m_filter(new QLineEdit(frame)),
       m_all(new QPushButton(frame)), m_none(new QPushButton(frame)), m_caption(std::move(caption))
 {
+    m_list->setItemDelegate(new GridCellDelegate(m_list)); // owned by the list
     m_filter->setObjectName(QStringLiteral("txtBUFilter"));
     m_filter->setClearButtonEnabled(true);
     m_all->setObjectName(QStringLiteral("cmdSelectAll"));

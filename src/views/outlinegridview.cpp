@@ -1,5 +1,6 @@
 #include "views/outlinegridview.h"
 
+#include "views/gridcelldelegate.h"
 #include "views/gridheaderview.h"
 #include "views/outlinegrid.h"
 #include "views/outlinegridmodel.h"
@@ -29,6 +30,7 @@ OutlineGridView::OutlineGridView(QWidget *parent)
     : QTreeView(parent), m_header(new GridHeaderView(this))
 {
     setHeader(m_header);
+    setItemDelegate(new GridCellDelegate(this)); // owned by the view
     setSelectionMode(QAbstractItemView::SingleSelection);
     setSelectionBehavior(QAbstractItemView::SelectItems);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -418,9 +420,9 @@ void OutlineGridView::drawRow(QPainter *painter, const QStyleOptionViewItem &opt
                               const QModelIndex &index) const
 {
     QTreeView::drawRow(painter, option, index);
-    // Cell borders, as a grid shows them; the tree's indentation area is not split.
-    painter->save();
-    painter->setPen(GridLineColor);
+    // Cell borders, as a grid shows them; the tree's indentation area is not split. One pixel
+    // wide rectangles are the lines' very pixels, filled as spans (a stroked line costs several
+    // times as much, and a screenful of a grid has a thousand of them).
     const QRect r = option.rect;
     int right = r.left();
     for (int v = 0; v < m_header->count(); ++v) {
@@ -428,11 +430,10 @@ void OutlineGridView::drawRow(QPainter *painter, const QStyleOptionViewItem &opt
         if (m_header->isSectionHidden(l))
             continue;
         const int x = m_header->sectionViewportPosition(l) + m_header->sectionSize(l) - 1;
-        painter->drawLine(x, r.top(), x, r.bottom());
+        painter->fillRect(QRect(x, r.top(), 1, r.height()), GridLineColor);
         right = std::max(right, x);
     }
-    painter->drawLine(r.left(), r.bottom(), right, r.bottom());
-    painter->restore();
+    painter->fillRect(QRect(r.left(), r.bottom(), right - r.left() + 1, 1), GridLineColor);
 }
 
 void OutlineGridView::drawBranches(QPainter *painter, const QRect &rect,
