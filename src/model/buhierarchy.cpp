@@ -6,15 +6,18 @@ void BUHierarchy::rebuild(const OrderedDict<QString> &parentMap)
 {
     const auto n = std::size_t(parentMap.count());
     m_ids.clear();
+    m_pieced.clear();
     m_parents.clear();
     m_unitIndex.clear();
     m_groupIndex.clear();
     m_ids.reserve(n);
+    m_pieced.reserve(n);
     m_parents.reserve(n);
     m_unitIndex.reserve(qsizetype(n));
     for (const auto &entry : parentMap) {
         m_unitIndex.add(entry.key, int(m_ids.size()));
         m_ids.push_back(entry.key);
+        m_pieced.push_back(entry.key.contains(u','));
         m_parents.push_back(entry.value);
     }
 
@@ -145,6 +148,13 @@ void BUHierarchy::appendIdList(const QString &id, OrderedDict<QString> &out,
         appendDescendants(id, m_walk, *done);
     else
         appendDescendants(id, m_walk);
-    for (const int unit : m_walk)
-        addPieces(m_ids[std::size_t(unit)], out);
+    // Whether an id holds a comma is known from the build: an id list of thousands of units then
+    // goes without searching each id again.
+    for (const int unit : m_walk) {
+        const QString &listed = m_ids[std::size_t(unit)];
+        if (m_pieced[std::size_t(unit)])
+            addPieces(listed, out);
+        else
+            out.addIfAbsent(listed, listed);
+    }
 }

@@ -68,6 +68,7 @@ private:
     }
 
     std::vector<QString> m_ids;
+    std::vector<char> m_pieced; // whether the id holds a comma, and so lists as its pieces
     std::vector<QString> m_parents;
     std::vector<int> m_parentIndex;
     OrderedDict<int> m_unitIndex{KeyCompare::Exact};  // id -> unit position

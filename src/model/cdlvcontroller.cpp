@@ -314,10 +314,17 @@ StringSet cDLVController::GetAggregateBUList()
         const int count = m_surface->buListCount();
         // Units listed by an earlier selected unit's walk bring all their descendants with them:
         // later walks skip them, so the whole list costs one visit per unit at any depth.
-        std::vector<char> done(std::size_t(Hierarchy().count()), 0);
+        const BUHierarchy &hierarchy = Hierarchy();
+        std::vector<char> done(std::size_t(hierarchy.count()), 0);
         for (int i = 0; i < count; ++i) {
-            if (m_surface->buListSelected(i))
-                Hierarchy().appendIdList(m_surface->buListId(i), ids, &done);
+            if (!m_surface->buListSelected(i))
+                continue;
+            const QString id = m_surface->buListId(i);
+            // A unit that an earlier walk reached is listed already, and so is everything
+            // below it: one lookup instead of listing it again.
+            if (const int unit = hierarchy.indexOf(id); unit >= 0 && done[std::size_t(unit)])
+                continue;
+            hierarchy.appendIdList(id, ids, &done);
         }
         m_keptAggregate = KeptList{revision, m_parentEpoch, ids};
     });
