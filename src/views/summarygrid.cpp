@@ -315,6 +315,17 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
     }
     std::vector<std::array<qint64, Counters>> classSums;
     std::vector<int> classOrder; // class numbers in order of first appearance
+    // With plain totals, each class's sums come from the rows afterwards: a pair of codes is
+    // summed into its row as it comes, and the class of a pair's first sight is seen first there
+    // too. That holds while no two pairs share a row (codes with a "|", rare): then the classes
+    // are summed in a pass of their own.
+    struct PairRow
+    {
+        int jobClass;
+        std::size_t row;
+    };
+    std::vector<PairRow> pairRows; // every pair's row, in order of first appearance
+    bool sharedRow = false;
     if (plainTotals)
         classSums.resize(std::size_t(bus.JobClassCodes().count()), {-1});
 
@@ -331,15 +342,6 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
         for (const JobClass &jc : bu.AllJobClasses()) {
             const int type = jc.TypeNumber();
             const int jobClass = jc.Number();
-            if (plainTotals) {
-                std::array<qint64, Counters> &classSum = classSums[std::size_t(jobClass)];
-                if (classSum[0] < 0) {
-                    classSum[0] = 0;
-                    classOrder.push_back(jobClass);
-                }
-                for (std::size_t s = 0; s < Counters; ++s)
-                    classSum[s] += jc.JobDetails()[s];
-            }
             if (const std::size_t known = rowOf.findPair(type, jobClass);
                 known != SumRowIndex::None) {
                 addCounters(sums[known], jc);
@@ -349,7 +351,9 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
             setKey(key, typeCode, u'|', jc.Code());
             const bool plain = rowOf.plain(type, jobClass);
             std::size_t r = plain ? SumRowIndex::None : rowOf.findText(key);
-            if (r == SumRowIndex::None) {
+            if (r != SumRowIndex::None) {
+                sharedRow = true;
+            } else {
                 r = rows.size();
                 rows.push_back(SumRow{.key = key,
                                       .col1 = descriptionOr(jobTypeDescriptions, typeCode),
@@ -359,6 +363,7 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
                     rowOf.insertText(rows.back().key, r);
             }
             rowOf.insertPair(type, jobClass, r);
+            pairRows.push_back(PairRow{jobClass, r});
             addCounters(sums[r], jc);
         }
     };
@@ -383,6 +388,31 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
         }
     }
     setPanelRates(panel);
+    if (plainTotals) {
+        const auto countClass = [&](int jobClass) -> std::array<qint64, Counters> & {
+            std::array<qint64, Counters> &classSum = classSums[std::size_t(jobClass)];
+            if (classSum[0] < 0) {
+                classSum.fill(0);
+                classOrder.push_back(jobClass);
+            }
+            return classSum;
+        };
+        if (!sharedRow) {
+            for (const PairRow &pair : pairRows) {
+                std::array<qint64, Counters> &classSum = countClass(pair.jobClass);
+                for (std::size_t s = 0; s < Counters; ++s)
+                    classSum[s] += sums[pair.row][s];
+            }
+        } else {
+            for (const BusinessUnit *bu : units) {
+                for (const JobClass &jc : bu->AllJobClasses()) {
+                    std::array<qint64, Counters> &classSum = countClass(jc.Number());
+                    for (std::size_t s = 0; s < Counters; ++s)
+                        classSum[s] += jc.JobDetails()[s];
+                }
+            }
+        }
+    }
     for (std::size_t r = 0; r < rows.size(); ++r)
         rows[r].sum = sums[r];
 
