@@ -80,10 +80,11 @@ void ViewsController::ShowBUs(BusinessUnits &bus)
     PanelValues panel;
     const bool done = ErrorTrap::run(&m_parts.reporter, kShowBUs, [&] {
         FillBusy::Scope busy(m_dlv->Busy(), FillBusy::SummaryFill);
+        std::vector<const BusinessUnit *> setUnits; // the aggregate's units, found by position
         if (m_parts.choice.buListCount() > 0) {
             m_currentSelection = m_dlv->GetBUList();
-            m_currentBUSet =
-                m_parts.choice.singleUnits() ? m_currentSelection : m_dlv->GetAggregateBUList();
+            m_currentBUSet = m_parts.choice.singleUnits() ? m_currentSelection
+                                                          : m_dlv->GetAggregateBUList(&setUnits);
         }
         m_lastFillSingleMode = m_parts.choice.singleUnits();
         if (m_summaryFilled)
@@ -93,7 +94,7 @@ void ViewsController::ShowBUs(BusinessUnits &bus)
             SummaryGrid(views.grid(0))
                 .ShowBUs(bus, m_currentBUSet, m_dlv->JobTypeDescriptions(),
                          m_dlv->JobClassDescriptions(), m_parts.caption(QStringLiteral("Total")),
-                         panel, &m_parts.reporter);
+                         panel, &m_parts.reporter, setUnits);
             writePanel(panel);
             views.FitGridHeight(0);
             if (m_parts.options.currentTab() == 0)

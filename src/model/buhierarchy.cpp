@@ -123,16 +123,16 @@ void BUHierarchy::walk(QStringView id, std::vector<int> &out, std::vector<char> 
 
 namespace {
 
-void addPieces(const QString &id, OrderedDict<QString> &out)
+/// Adds the id's pieces between commas that out lacks, with position -1 (a piece is no id of
+/// its own).
+void addPieces(const QString &id, OrderedDict<QString> &out, std::vector<int> *positions)
 {
-    if (!id.contains(u',')) {
-        out.addIfAbsent(id, id); // shares the id's text
-        return;
-    }
     for (const QStringView piece : id.tokenize(u',')) {
         if (!out.contains(piece)) {
             const QString text = piece.toString();
             out.add(text, text);
+            if (positions)
+                positions->push_back(-1);
         }
     }
 }
@@ -140,9 +140,18 @@ void addPieces(const QString &id, OrderedDict<QString> &out)
 } // namespace
 
 void BUHierarchy::appendIdList(const QString &id, OrderedDict<QString> &out,
-                               std::vector<char> *done) const
+                               std::vector<char> *done, std::vector<int> *positions) const
 {
-    addPieces(id, out);
+    const auto addUnit = [&](const QString &listed, int unit) {
+        const qsizetype before = out.count();
+        out.addIfAbsent(listed, listed); // shares the id's text
+        if (positions && out.count() != before)
+            positions->push_back(unit);
+    };
+    if (id.contains(u','))
+        addPieces(id, out, positions);
+    else
+        addUnit(id, positions ? indexOf(id) : -1);
     m_walk.clear();
     if (done)
         appendDescendants(id, m_walk, *done);
@@ -153,8 +162,8 @@ void BUHierarchy::appendIdList(const QString &id, OrderedDict<QString> &out,
     for (const int unit : m_walk) {
         const QString &listed = m_ids[std::size_t(unit)];
         if (m_pieced[std::size_t(unit)])
-            addPieces(listed, out);
+            addPieces(listed, out, positions);
         else
-            out.addIfAbsent(listed, listed);
+            addUnit(listed, unit);
     }
 }

@@ -52,9 +52,11 @@ public:
 
     /// Adds to out the id and every descendant in listing order, each once (see
     /// appendDescendants; done as there). The listing joins the ids with "," and splits the text
-    /// again, so an id that itself holds a comma arrives as its pieces.
+    /// again, so an id that itself holds a comma arrives as its pieces. With positions, each key
+    /// added to out adds its unit's position there, or -1 for a piece of an id.
     void appendIdList(const QString &id, OrderedDict<QString> &out,
-                      std::vector<char> *done = nullptr) const;
+                      std::vector<char> *done = nullptr,
+                      std::vector<int> *positions = nullptr) const;
 
 private:
     void walk(QStringView id, std::vector<int> &out, std::vector<char> *done) const;

@@ -294,39 +294,53 @@ StringSet cDLVController::GetBUList()
             const QString id = m_surface->buListId(i);
             ids.addIfAbsent(id, id);
         }
-        m_keptChosen = KeptList{revision, 0, ids};
+        m_keptChosen = KeptList{revision, 0, ids, {}};
     });
     return ids;
 }
 
-StringSet cDLVController::GetAggregateBUList()
+StringSet cDLVController::GetAggregateBUList(std::vector<const BusinessUnit *> *units)
 {
     StringSet ids(KeyCompare::Exact);
+    if (units)
+        units->clear();
     ErrorTrap::run(m_reporter, QStringLiteral("cDLVController.GetAggregateBUList"), [&] {
         if (!m_surface)
             throw DLVError::invalidCall(QStringLiteral("the controller has no surface to read"));
         const quint64 revision = m_surface->buListRevision();
-        if (revision != 0 && revision == m_keptAggregate.revision &&
-            m_parentEpoch == m_keptAggregate.epoch) {
-            ids = m_keptAggregate.ids;
-            return;
+        if (revision == 0 || revision != m_keptAggregate.revision ||
+            m_parentEpoch != m_keptAggregate.epoch) {
+            const int count = m_surface->buListCount();
+            // Units listed by an earlier selected unit's walk bring all their descendants with
+            // them: later walks skip them, so the whole list costs one visit per unit at any
+            // depth.
+            const BUHierarchy &hierarchy = Hierarchy();
+            std::vector<char> done(std::size_t(hierarchy.count()), 0);
+            std::vector<int> positions;
+            for (int i = 0; i < count; ++i) {
+                if (!m_surface->buListSelected(i))
+                    continue;
+                const QString id = m_surface->buListId(i);
+                // A unit that an earlier walk reached is listed already, and so is everything
+                // below it: one lookup instead of listing it again.
+                if (const int unit = hierarchy.indexOf(id); unit >= 0 && done[std::size_t(unit)])
+                    continue;
+                hierarchy.appendIdList(id, ids, &done, &positions);
+            }
+            m_keptAggregate = KeptList{revision, m_parentEpoch, ids, std::move(positions)};
         }
-        const int count = m_surface->buListCount();
-        // Units listed by an earlier selected unit's walk bring all their descendants with them:
-        // later walks skip them, so the whole list costs one visit per unit at any depth.
-        const BUHierarchy &hierarchy = Hierarchy();
-        std::vector<char> done(std::size_t(hierarchy.count()), 0);
-        for (int i = 0; i < count; ++i) {
-            if (!m_surface->buListSelected(i))
-                continue;
-            const QString id = m_surface->buListId(i);
-            // A unit that an earlier walk reached is listed already, and so is everything
-            // below it: one lookup instead of listing it again.
-            if (const int unit = hierarchy.indexOf(id); unit >= 0 && done[std::size_t(unit)])
-                continue;
-            hierarchy.appendIdList(id, ids, &done);
+        ids = m_keptAggregate.ids;
+        if (units) {
+            // A fill sums thousands of listed units: their positions find them without hashing
+            // every id once more.
+            const std::span<const BusinessUnit *const> ofPosition = Lookups().units;
+            const std::vector<int> &positions = m_keptAggregate.positions;
+            units->reserve(std::size_t(ids.count()));
+            for (qsizetype k = 0; k < ids.count(); ++k) {
+                const int at = positions[std::size_t(k)];
+                units->push_back(at >= 0 ? ofPosition[std::size_t(at)] : m_bus->Item(ids.keyAt(k)));
+            }
         }
-        m_keptAggregate = KeptList{revision, m_parentEpoch, ids};
     });
     return ids;
 }

@@ -74,8 +74,10 @@ public:
 
     /// Ids of the selected items of lvBU, in list order (the key less its first character).
     [[nodiscard]] StringSet GetBUList();
-    /// Every selected unit with all its descendants, first-seen order, each once.
-    [[nodiscard]] StringSet GetAggregateBUList();
+    /// Every selected unit with all its descendants, first-seen order, each once. With units,
+    /// also the model's unit of each listed id in list order (null for an id the model lacks),
+    /// found by the units' positions in the hierarchy rather than by their ids.
+    [[nodiscard]] StringSet GetAggregateBUList(std::vector<const BusinessUnit *> *units = nullptr);
     /// The unit and all its descendants (see GetChildBUIDList). For the root mark "#" this is
     /// "#" followed by the units the parent map places under "#" and their descendants (units
     /// whose parent is no unit are not included, as the parent map does not reach them).
@@ -144,6 +146,7 @@ private:
         quint64 revision = 0;
         quint64 epoch = 0;
         StringSet ids{KeyCompare::Exact};
+        std::vector<int> positions; ///< each id's hierarchy position, or -1 (aggregate list)
     };
     KeptList m_keptChosen;
     KeptList m_keptAggregate;

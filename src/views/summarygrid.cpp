@@ -291,7 +291,8 @@ double SummaryGrid::FitGridHeight(const OutlineGrid &grid, double topTwips, doub
 void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
                           const StringSet &jobTypeDescriptions,
                           const StringSet &jobClassDescriptions, const QString &totalCaption,
-                          PanelValues &panel, ErrorReporter * /*reporter*/)
+                          PanelValues &panel, ErrorReporter * /*reporter*/,
+                          std::span<const BusinessUnit *const> setUnits)
 {
     OutlineGrid::RedrawSuspender suspend(m_grid);
     ResetSummary(panel);
@@ -306,8 +307,10 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
     // BusinessUnit::PlainTotals), the per-class totals are summed here from the classes, by code
     // number, instead of reading every unit's "TOTAL" classes once more afterwards.
     bool plainTotals = bus.JobClassCodes().count() <= PlainTotalsClassLimit;
-    for (const auto &entry : buSet) {
-        if (const BusinessUnit *bu = bus.Item(entry.key)) {
+    const bool resolved = qsizetype(setUnits.size()) == buSet.count();
+    for (qsizetype k = 0; k < buSet.count(); ++k) {
+        if (const BusinessUnit *bu =
+                resolved ? setUnits[std::size_t(k)] : bus.Item(buSet.keyAt(k))) {
             units.push_back(bu);
             maxClassCount = std::max(maxClassCount, bu->TotalJobType().Classes().Count());
             plainTotals = plainTotals && bu->PlainTotals();

@@ -4,6 +4,7 @@
 
 #include <QString>
 #include <functional>
+#include <span>
 
 class BusinessUnits;
 class ErrorReporter;
@@ -51,10 +52,13 @@ public:
     /// Refills the grid and the panel from the units of buSet that the model holds (unknown ids
     /// are skipped), in the set's order. totalCaption is the caption of "Total". Ends with column
     /// 1 bold in every row. Throws DLVError (6 for a counter sum outside the 32-bit range); the
-    /// panel then holds the figures reached and the grid stays cleared.
+    /// panel then holds the figures reached and the grid stays cleared. setUnits, when it lists
+    /// one entry per id of buSet, gives the model's unit of each (null for an unknown id) so that
+    /// they need not be looked up.
     void ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
                  const StringSet &jobTypeDescriptions, const StringSet &jobClassDescriptions,
-                 const QString &totalCaption, PanelValues &panel, ErrorReporter *reporter);
+                 const QString &totalCaption, PanelValues &panel, ErrorReporter *reporter,
+                 std::span<const BusinessUnit *const> setUnits = {});
 
     /// The largest number of job classes of a "TOTAL" job type among the units of buSet that the
     /// model holds; 0 for none. Failures are reported as "DLViewer.GetMaxClassCnt".

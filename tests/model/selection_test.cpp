@@ -176,6 +176,8 @@ TEST(SelectionAggregate, EqualsTheJoinedDescendantListsOnRandomTrees)
                                    : kind < 4        ? QStringLiteral("#")
                                                      : units[int(random.bounded(units.size()))];
             builder.unit(units[i], "d", parent);
+            if (kind % 3 != 0) // the model holds most units, in any letter case of their ids
+                builder.general(kind == 5 ? units[i].toLower() : units[i]);
         }
         ControllerRig rig;
         rig.load(builder);
@@ -193,6 +195,14 @@ TEST(SelectionAggregate, EqualsTheJoinedDescendantListsOnRandomTrees)
                 for (const auto &entry : rig.controller.GetBUIDList(key.mid(1)))
                     expected.addIfAbsent(entry.key, entry.key);
         ASSERT_EQ(rig.controller.GetAggregateBUList().keys(), expected.keys());
+        // The units that come with the list are the ones its ids look up, pieces of ids too.
+        std::vector<const BusinessUnit *> found;
+        const StringSet listed = rig.controller.GetAggregateBUList(&found);
+        ASSERT_EQ(qsizetype(found.size()), listed.count());
+        const cDLVController &controller = rig.controller;
+        for (qsizetype k = 0; k < listed.count(); ++k)
+            ASSERT_TRUE(found[std::size_t(k)] == controller.BUs().Item(listed.keyAt(k)))
+                << listed.keyAt(k).toStdString();
     }
 }
 
