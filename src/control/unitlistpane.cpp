@@ -88,20 +88,40 @@ void UnitListPane::fill(std::vector<BUSelection::Item> items,
         !m_widgets.empty() &&
         std::equal(items.begin(), items.end(), m_items.begin(), m_items.end(),
                    [](const BUSelection::Item &a, const BUSelection::Item &b) {
-                       return a.level == b.level && a.key == b.key && a.text == b.text;
+                       // A refilled list mostly shares its strings with the last one.
+                       const auto same = [](const QString &x, const QString &y) {
+                           return x.constData() == y.constData() ? x.size() == y.size() : x == y;
+                       };
+                       return a.level == b.level && same(a.key, b.key) && same(a.text, b.text);
                    });
     m_items = std::move(items);
     m_parents = BUSelection::treeParents(m_items);
-    std::vector<QString> keys;
     std::vector<char> chosen;
-    keys.reserve(m_items.size());
     chosen.reserve(m_items.size());
-    for (const BUSelection::Item &item : m_items) {
-        keys.push_back(item.key);
+    for (const BUSelection::Item &item : m_items)
         chosen.push_back(keep(QStringView(item.key).mid(1)));
-    }
     m_syncing = true;
-    m_choice->setUnits(std::move(keys), std::move(chosen));
+    // The same units keep their place in the choice: only what is chosen is taken anew. (The
+    // keys are the items' own strings then: comparing them reads no text.)
+    const auto choiceHoldsTheItems = [this] {
+        if (m_choice->unitCount() != int(m_items.size()))
+            return false;
+        for (std::size_t i = 0; i < m_items.size(); ++i) {
+            const QString &key = m_choice->unitKey(int(i));
+            if (key.constData() != m_items[i].key.constData() && key != m_items[i].key)
+                return false;
+        }
+        return true;
+    };
+    if (sameItems && choiceHoldsTheItems()) {
+        m_choice->setAllChosen(std::move(chosen));
+    } else {
+        std::vector<QString> keys;
+        keys.reserve(m_items.size());
+        for (const BUSelection::Item &item : m_items)
+            keys.push_back(item.key);
+        m_choice->setUnits(std::move(keys), std::move(chosen));
+    }
     m_syncing = false;
     if (sameItems)
         m_list->setColumnWidth(0, std::max(0, m_list->width() - 21));

@@ -39,6 +39,8 @@ public:
     /// Replaces the items; keys whose id is in keep are selected again.
     void fill(std::vector<BUSelection::Item> items, const std::function<bool(QStringView)> &keep);
 
+    /// The items of the last fill, in list order.
+    [[nodiscard]] const std::vector<BUSelection::Item> &items() const { return m_items; }
     [[nodiscard]] int count() const;
     [[nodiscard]] const QString &key(int index) const;
     [[nodiscard]] bool isSelected(int index) const;

@@ -171,7 +171,7 @@ void ViewsController::LoadBUListView()
     static const StringSet noSession;
     std::vector<BUSelection::Item> items =
         BUSelection::listItems(m_parts.views.grid(1), m_sessionUnits ? *m_sessionUnits : noSession,
-                               m_dlv->BUDescriptions());
+                               m_parts.unitList.items());
     m_parts.unitList.fill(std::move(items), [&kept](QStringView id) { return kept.contains(id); });
 }
 

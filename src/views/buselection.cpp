@@ -5,18 +5,20 @@
 
 std::vector<BUSelection::Item> BUSelection::listItems(const OutlineGrid &workOrderGrid,
                                                       const StringSet &sessionBUs,
-                                                      const StringSet &buDescriptions)
+                                                      const std::vector<Item> &previous)
 {
     std::vector<Item> items;
+    items.reserve(previous.size());
     for (int row = 2; row < workOrderGrid.rowCount(); ++row) {
         const QString &id = workOrderGrid.rowData(row);
         // The root row stands for the whole tree, not for a unit the user can pick, even when a
         // host lists "#" among the session's units.
         if (id == HierarchyGrid::RootKey || !sessionBUs.contains(id))
             continue;
-        const QString *text = buDescriptions.find(id);
-        items.push_back(Item{QStringLiteral("_") + id, text ? *text : QString(),
-                             workOrderGrid.outlineLevel(row)});
+        const std::size_t at = items.size();
+        const bool again = at < previous.size() && QStringView(previous[at].key).mid(1) == id;
+        items.push_back(Item{again ? previous[at].key : QStringLiteral("_") + id,
+                             workOrderGrid.text(row, 0), workOrderGrid.outlineLevel(row)});
     }
     return items;
 }

@@ -21,10 +21,14 @@ public:
     };
 
     /// Walks the hierarchy grid's rows from row 2 in tree order and lists every row whose row data
-    /// is in the session set, with the description from the lookup (empty when it has none).
+    /// is in the session set, with the unit's description. The hierarchy fill writes each unit's
+    /// row from its entry in the description lookup, row data and tree text: the description is
+    /// the row's tree text, read there rather than looked up again (a list of thousands of units
+    /// is made on every refresh). previous, the last list made, lends the keys of units listed
+    /// at the same place again, so that an unchanged list makes no new strings.
     [[nodiscard]] static std::vector<Item> listItems(const OutlineGrid &workOrderGrid,
                                                      const StringSet &sessionBUs,
-                                                     const StringSet &buDescriptions);
+                                                     const std::vector<Item> &previous = {});
 
     /// For the list shown as a tree: each item's parent item, the nearest item above it in the
     /// list with a lower level (a unit whose listed ancestors are all outside the session hangs

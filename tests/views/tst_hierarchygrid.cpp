@@ -219,6 +219,40 @@ TEST(HierarchyGridTree, DirectBuildMatchesTheStepByStepProcedureOnRandomData)
         stepByStep(reference, model.controller);
         ASSERT_EQ(tree(g.workOrders), tree(reference));
         ASSERT_EQ(tree(g.points), tree(reference));
+
+        // The unit list reads each unit's description from its row: the lookup's own, also
+        // when the list is made again from the last one (whose keys it reuses).
+        StringSet session(KeyCompare::Exact);
+        for (const QString &id : units) {
+            if (random.bounded(4) != 0)
+                session.add(id, id);
+        }
+        if (random.bounded(5) == 0)
+            session.add(QStringLiteral("#"), QStringLiteral("#"));
+        const auto first = BUSelection::listItems(g.workOrders, session);
+        const auto again = BUSelection::listItems(g.workOrders, session, first);
+        for (const auto *items : {&first, &again}) {
+            std::vector<std::string> expected;
+            for (int row = 2; row < g.workOrders.rowCount(); ++row) {
+                const QString &id = g.workOrders.rowData(row);
+                if (id == QStringLiteral("#") || !session.contains(id))
+                    continue;
+                const QString *text = model.controller.BUDescriptions().find(id);
+                expected.push_back(QStringLiteral("_%1 %2 %3")
+                                       .arg(id, text ? *text : QString())
+                                       .arg(g.workOrders.outlineLevel(row))
+                                       .toStdString());
+            }
+            std::vector<std::string> listed;
+            for (const BUSelection::Item &item : *items)
+                listed.push_back(QStringLiteral("%1 %2 %3")
+                                     .arg(item.key, item.text)
+                                     .arg(item.level)
+                                     .toStdString());
+            ASSERT_EQ(listed, expected);
+        }
+        for (std::size_t i = 0; i < again.size(); ++i)
+            ASSERT_EQ(again[i].key.constData(), first[i].key.constData()); // no new strings
     }
 }
 
