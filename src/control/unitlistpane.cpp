@@ -1,6 +1,7 @@
 #include "control/unitlistpane.h"
 
 #include "common/displaytext.h"
+#include "common/sharedtext.h"
 #include "model/viewchoice.h"
 #include "views/gridcelldelegate.h"
 
@@ -84,16 +85,15 @@ void UnitListPane::fill(std::vector<BUSelection::Item> items,
     // A refresh mostly lists the same units with the same descriptions: the list's items then
     // stay, and only the choice is shown anew (ten thousand items cost tens of milliseconds to
     // build and as much to destroy).
-    const bool sameItems =
-        !m_widgets.empty() &&
-        std::equal(items.begin(), items.end(), m_items.begin(), m_items.end(),
-                   [](const BUSelection::Item &a, const BUSelection::Item &b) {
-                       // A refilled list mostly shares its strings with the last one.
-                       const auto same = [](const QString &x, const QString &y) {
-                           return x.constData() == y.constData() ? x.size() == y.size() : x == y;
-                       };
-                       return a.level == b.level && same(a.key, b.key) && same(a.text, b.text);
-                   });
+    const bool sameItems = !m_widgets.empty() &&
+                           std::equal(items.begin(), items.end(), m_items.begin(), m_items.end(),
+                                      [](const BUSelection::Item &a, const BUSelection::Item &b) {
+                                          // A refilled list mostly shares its strings with the last
+                                          // one.
+                                          return a.level == b.level &&
+                                                 SharedText::equal(a.key, b.key) &&
+                                                 SharedText::equal(a.text, b.text);
+                                      });
     m_items = std::move(items);
     m_parents = BUSelection::treeParents(m_items);
     std::vector<char> chosen;
@@ -101,14 +101,12 @@ void UnitListPane::fill(std::vector<BUSelection::Item> items,
     for (const BUSelection::Item &item : m_items)
         chosen.push_back(keep(QStringView(item.key).mid(1)));
     m_syncing = true;
-    // The same units keep their place in the choice: only what is chosen is taken anew. (The
-    // keys are the items' own strings then: comparing them reads no text.)
+    // The same units keep their place in the choice: only what is chosen is taken anew.
     const auto choiceHoldsTheItems = [this] {
         if (m_choice->unitCount() != int(m_items.size()))
             return false;
         for (std::size_t i = 0; i < m_items.size(); ++i) {
-            const QString &key = m_choice->unitKey(int(i));
-            if (key.constData() != m_items[i].key.constData() && key != m_items[i].key)
+            if (!SharedText::equal(m_choice->unitKey(int(i)), m_items[i].key))
                 return false;
         }
         return true;

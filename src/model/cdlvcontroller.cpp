@@ -3,6 +3,7 @@
 #include "common/conversions.h"
 #include "common/dlverror.h"
 #include "common/errorreporter.h"
+#include "common/sharedtext.h"
 #include "model/detailcolumns.h"
 #include "model/dlvsurface.h"
 #include "model/errortrap.h"
@@ -266,9 +267,7 @@ UnitLookups cDLVController::Lookups() const
             kept.units[std::size_t(u)] = m_bus->Item(hierarchy.id(u));
         kept.aligned = m_buDescriptions.count() == m_parentBUIDs.count();
         for (qsizetype i = 0; kept.aligned && i < m_buDescriptions.count(); ++i) {
-            const QString &a = m_buDescriptions.keyAt(i);
-            const QString &b = m_parentBUIDs.keyAt(i);
-            kept.aligned = a.constData() == b.constData() || a == b;
+            kept.aligned = SharedText::equal(m_buDescriptions.keyAt(i), m_parentBUIDs.keyAt(i));
         }
         kept.parentEpoch = m_parentEpoch;
         kept.busEpoch = m_busEpoch;

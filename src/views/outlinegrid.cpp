@@ -4,6 +4,7 @@
 #include "common/conversions.h"
 #include "common/csvfield.h"
 #include "common/dlverror.h"
+#include "common/sharedtext.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,12 +17,6 @@ namespace {
 {
     // Ordinal UTF-16 comparison: the grid sorts "exactly", so "B" < "a" and "a" < "b".
     return QString::compare(a, b, Qt::CaseSensitive) < 0;
-}
-
-/// Equal texts; text shared between the two (a fill that wrote the same string) is not read.
-[[nodiscard]] bool sameText(const QString &a, const QString &b)
-{
-    return a.size() == b.size() && (a.constData() == b.constData() || a == b);
 }
 
 [[nodiscard]] QRgb toStored(const QColor &color)
@@ -387,7 +382,7 @@ bool OutlineGrid::Cell::sameShown(const Cell &o) const
 {
     if ((digits && o.digits) || (decimal && o.decimal))
         return number == o.number;
-    return sameText(shown(), o.shown());
+    return SharedText::equal(shown(), o.shown());
 }
 
 const QString &OutlineGrid::text(int row, int col) const
@@ -883,8 +878,8 @@ bool OutlineGrid::keepTree(const std::vector<TreeNode> &nodes, const TreeLayout 
         const Row &r = m_rows[size_t(m_fixedRows) + k];
         const Cell &c = std::as_const(r.cells)[textCol];
         if (!r.node || r.level != baseLevel + depth[size_t(i)] ||
-            !sameText(r.data, nodes[size_t(i)].rowData) || c.digits || c.decimal ||
-            !std::isnan(c.number) || !sameText(c.text, nodes[size_t(i)].text))
+            !SharedText::equal(r.data, nodes[size_t(i)].rowData) || c.digits || c.decimal ||
+            !std::isnan(c.number) || !SharedText::equal(c.text, nodes[size_t(i)].text))
             return false;
     }
     bool heights = false;
@@ -1213,7 +1208,8 @@ OutlineGrid::Changes OutlineGrid::changesSince(const OutlineGrid &before) const
     for (int r = m_fixedRows; r < rows; ++r) {
         const Row &a = before.m_rows[size_t(r)];
         const Row &b = m_rows[size_t(r)];
-        if (a.node != b.node || (b.node && a.level != b.level) || !sameText(a.data, b.data)) {
+        if (a.node != b.node || (b.node && a.level != b.level) ||
+            !SharedText::equal(a.data, b.data)) {
             out.shapeChanged = true;
             return out;
         }
