@@ -304,8 +304,8 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
     units.reserve(std::size_t(buSet.count()));
     int maxClassCount = 0;
     // When every unit's "TOTAL" classes are plain sums of its classes (see
-    // BusinessUnit::PlainTotals), the per-class totals are summed here from the classes, by code
-    // number, instead of reading every unit's "TOTAL" classes once more afterwards.
+    // BusinessUnit::PlainTotals), the per-class totals are summed here from the class rows, by
+    // code number, instead of reading every unit's "TOTAL" classes once more afterwards.
     bool plainTotals = bus.JobClassCodes().count() <= PlainTotalsClassLimit;
     const bool resolved = qsizetype(setUnits.size()) == buSet.count();
     for (qsizetype k = 0; k < buSet.count(); ++k) {
