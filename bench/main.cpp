@@ -250,8 +250,13 @@ int main(int argc, char **argv)
         QStringLiteral("With --scaling: the depth the end-to-end refresh is compared at against "
                        "--depth (same units and rows)."),
         QStringLiteral("n"), QStringLiteral("5000"));
-    parser.addOptions(
-        {bus, depth, deep, jobTypes, classes, details, seed, scaling, endurance, messages});
+    const QCommandLineOption runsOption(
+        QStringLiteral("runs"),
+        QStringLiteral("Runs of each timed stage; the best counts. A shared machine whose speed "
+                       "drifts between runs needs more for steady figures."),
+        QStringLiteral("n"), QStringLiteral("3"));
+    parser.addOptions({bus, depth, deep, jobTypes, classes, details, seed, scaling, endurance,
+                       messages, runsOption});
     parser.process(app);
 
     const auto intValue = [&](const QCommandLineOption &option) {
@@ -272,6 +277,7 @@ int main(int argc, char **argv)
         return EnduranceRun::run(run);
     }
 
+    const int runs = std::max(intValue(runsOption), 1);
     DataGenerator::Options options;
     options.units = intValue(bus);
     options.depth = intValue(depth);
@@ -315,8 +321,8 @@ int main(int argc, char **argv)
     const ViewerBench::Times viewer = ViewerBench::run(parsed, 1);
     printViewerStages(viewer, parseMs);
     const int cueErrors = printCuesStage(options);
-    const PhysicalFloor::Times floor = PhysicalFloor::measure(utf8, 3);
-    const LiveBench::Times live = LiveBench::run(parsed, utf8, 3);
+    const PhysicalFloor::Times floor = PhysicalFloor::measure(utf8, runs);
+    const LiveBench::Times live = LiveBench::run(parsed, utf8, runs);
     printLive(live, floor, double(utf8.size()));
     utf8.clear();
     utf8.squeeze();
@@ -328,8 +334,8 @@ int main(int argc, char **argv)
         const auto messageN = generated;
         const auto message2N = DataGenerator(doubled).generate();
         Stage stage(QStringLiteral("scaling"));
-        const double msN = bestLoadMs(messageN, 3);
-        const double ms2N = bestLoadMs(message2N, 3);
+        const double msN = bestLoadMs(messageN, runs);
+        const double ms2N = bestLoadMs(message2N, runs);
         stage.add(QStringLiteral("rows_n"), options.detailRows);
         stage.add(QStringLiteral("ms_n"), msN);
         stage.add(QStringLiteral("ms_2n"), ms2N);
@@ -340,8 +346,8 @@ int main(int argc, char **argv)
         DataGenerator::Options bigger = options;
         bigger.units = options.units * 2;
         bigger.detailRows = options.detailRows * 2;
-        const ViewerBench::Times n = ViewerBench::run(messageN, 3);
-        const ViewerBench::Times n2 = ViewerBench::run(DataGenerator(bigger).generate(), 3);
+        const ViewerBench::Times n = ViewerBench::run(messageN, runs);
+        const ViewerBench::Times n2 = ViewerBench::run(DataGenerator(bigger).generate(), runs);
         const auto ratioLine = [&](const char *name, double a, double b) {
             Stage s(QStringLiteral("scaling_") + QString::fromLatin1(name));
             s.setElapsed(b);
@@ -359,8 +365,8 @@ int main(int argc, char **argv)
 
         // The live control at N and 2N: the refresh until painted and every interaction.
         const auto bigMessage = DataGenerator(bigger).generate();
-        const LiveBench::Times liveN = LiveBench::run(messageN, utf8Of(messageN), 3);
-        const LiveBench::Times live2N = LiveBench::run(bigMessage, utf8Of(bigMessage), 3);
+        const LiveBench::Times liveN = LiveBench::run(messageN, utf8Of(messageN), runs);
+        const LiveBench::Times live2N = LiveBench::run(bigMessage, utf8Of(bigMessage), runs);
         liveErrors += liveN.errors + live2N.errors;
         const std::vector<std::pair<QString, double>> sizes{
             {QStringLiteral("units_n"), options.units},
@@ -384,8 +390,8 @@ int main(int argc, char **argv)
         DataGenerator::Options deepOptions = options;
         deepOptions.depth = intValue(deep);
         const auto deepMessage = DataGenerator(deepOptions).generate();
-        const LiveBench::Times shallow = LiveBench::run(messageN, utf8Of(messageN), 3);
-        const LiveBench::Times deepTree = LiveBench::run(deepMessage, utf8Of(deepMessage), 3);
+        const LiveBench::Times shallow = LiveBench::run(messageN, utf8Of(messageN), runs);
+        const LiveBench::Times deepTree = LiveBench::run(deepMessage, utf8Of(deepMessage), runs);
         liveErrors += shallow.errors + deepTree.errors;
         printRatio(QStringLiteral("depth"), shallow.refresh, deepTree.refresh, kDepthRatio,
                    {{QStringLiteral("depth_n"), options.depth},
