@@ -12,6 +12,7 @@
 #include <QHash>
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -101,20 +102,38 @@ void addToPanel(PanelValues &panel, const BusinessUnit &bu)
     setPanelRates(panel); // fails, part way
 }
 
-/// All fourteen sums side by side (they are independent, so the compiler runs them in vector
-/// registers); a sum outside 32 bits fails the fill once all are added, and a failed fill shows
-/// none of its rows, so the order of the check is not seen.
+/// All fourteen sums side by side, four to a vector register (-O2 leaves a loop of fourteen
+/// scalar steps alone); a sum outside 32 bits fails the fill once all are added, and a failed
+/// fill shows none of its rows, so the order of the check is not seen.
 void addCounters(std::array<qint32, Counters> &sum, const JobClass &jc)
 {
-    const std::array<qint32, Counters> &counters = jc.JobDetails();
+    using Lanes = quint32 __attribute__((vector_size(16)));
+    constexpr std::size_t Width = sizeof(Lanes) / sizeof(quint32);
+    const qint32 *counters = jc.JobDetails().data();
+    qint32 *sums = sum.data();
     // Wrapping adds; a sum overflowed when its sign differs from both operands' signs.
-    qint32 overflow = 0;
-    for (std::size_t s = 0; s < sum.size(); ++s) {
-        const qint32 result = qint32(quint32(sum[s]) + quint32(counters[s]));
-        overflow |= (sum[s] ^ result) & (counters[s] ^ result);
-        sum[s] = result;
+    Lanes overflow{};
+    std::size_t s = 0;
+    for (; s + Width <= Counters; s += Width) {
+        Lanes a;
+        Lanes b;
+        std::memcpy(&a, sums + s, sizeof a);
+        std::memcpy(&b, counters + s, sizeof b);
+        const Lanes result = a + b;
+        overflow |= (a ^ result) & (b ^ result);
+        std::memcpy(sums + s, &result, sizeof result);
     }
-    if (overflow < 0) [[unlikely]]
+    quint32 rest = 0;
+    for (; s < Counters; ++s) {
+        const quint32 a = quint32(sums[s]);
+        const quint32 b = quint32(counters[s]);
+        const quint32 result = a + b;
+        rest |= (a ^ result) & (b ^ result);
+        sums[s] = qint32(result);
+    }
+    for (std::size_t lane = 0; lane < Width; ++lane)
+        rest |= overflow[lane];
+    if (rest & 0x80000000u) [[unlikely]]
         throw DLVError::overflow();
 }
 
