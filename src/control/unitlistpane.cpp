@@ -85,15 +85,14 @@ void UnitListPane::fill(std::vector<BUSelection::Item> items,
     // A refresh mostly lists the same units with the same descriptions: the list's items then
     // stay, and only the choice is shown anew (ten thousand items cost tens of milliseconds to
     // build and as much to destroy).
-    const bool sameItems = !m_widgets.empty() &&
-                           std::equal(items.begin(), items.end(), m_items.begin(), m_items.end(),
-                                      [](const BUSelection::Item &a, const BUSelection::Item &b) {
-                                          // A refilled list mostly shares its strings with the last
-                                          // one.
-                                          return a.level == b.level &&
-                                                 SharedText::equal(a.key, b.key) &&
-                                                 SharedText::equal(a.text, b.text);
-                                      });
+    const auto sameItem = [](const BUSelection::Item &a, const BUSelection::Item &b) {
+        // A refilled list mostly shares its strings with the last one.
+        return a.level == b.level && SharedText::equal(a.key, b.key) &&
+               SharedText::equal(a.text, b.text);
+    };
+    const bool sameItems =
+        !m_widgets.empty() &&
+        std::equal(items.begin(), items.end(), m_items.begin(), m_items.end(), sameItem);
     m_items = std::move(items);
     m_parents = BUSelection::treeParents(m_items);
     std::vector<char> chosen;

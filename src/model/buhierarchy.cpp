@@ -64,18 +64,18 @@ std::span<const int> BUHierarchy::children(QStringView parentId) const
 
 void BUHierarchy::appendDescendants(QStringView id, std::vector<int> &out) const
 {
-    walk(id, out, nullptr);
+    walk(id, indexOf(id), out, nullptr);
 }
 
 void BUHierarchy::appendDescendants(QStringView id, std::vector<int> &out,
                                     std::vector<char> &done) const
 {
-    walk(id, out, &done);
+    walk(id, indexOf(id), out, &done);
 }
 
-void BUHierarchy::walk(QStringView id, std::vector<int> &out, std::vector<char> *done) const
+void BUHierarchy::walk(QStringView id, int start, std::vector<int> &out,
+                       std::vector<char> *done) const
 {
-    const int start = indexOf(id);
     if (done && start >= 0) {
         if ((*done)[std::size_t(start)])
             return;
@@ -109,7 +109,7 @@ void BUHierarchy::walk(QStringView id, std::vector<int> &out, std::vector<char> 
         stack.push_back(Frame{begin, out.size()});
     };
 
-    listChildren(children(id));
+    listChildren(start >= 0 ? childrenOf(start) : children(id));
     while (!stack.empty()) {
         Frame &top = stack.back();
         if (top.next == top.end) {
@@ -148,15 +148,16 @@ void BUHierarchy::appendIdList(const QString &id, OrderedDict<QString> &out,
         if (positions && out.count() != before)
             positions->push_back(unit);
     };
+    const int start = indexOf(id);
+    // A unit that an earlier walk reached is listed already, and so is everything below it.
+    if (done && start >= 0 && (*done)[std::size_t(start)])
+        return;
     if (id.contains(u','))
         addPieces(id, out, positions);
     else
-        addUnit(id, positions ? indexOf(id) : -1);
+        addUnit(id, start);
     m_walk.clear();
-    if (done)
-        appendDescendants(id, m_walk, *done);
-    else
-        appendDescendants(id, m_walk);
+    walk(id, start, m_walk, done);
     // Whether an id holds a comma is known from the build: an id list of thousands of units then
     // goes without searching each id again.
     for (const int unit : m_walk) {

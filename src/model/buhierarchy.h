@@ -51,15 +51,17 @@ public:
     void appendDescendants(QStringView id, std::vector<int> &out, std::vector<char> &done) const;
 
     /// Adds to out the id and every descendant in listing order, each once (see
-    /// appendDescendants; done as there). The listing joins the ids with "," and splits the text
-    /// again, so an id that itself holds a comma arrives as its pieces. With positions, each key
-    /// added to out adds its unit's position there, or -1 for a piece of an id.
+    /// appendDescendants; done as there, for calls that fill one out: a unit marked done is in out
+    /// with its descendants already, and its call adds nothing). The listing joins the ids with ","
+    /// and splits the text again, so an id that itself holds a comma arrives as its pieces. With
+    /// positions, each key added to out adds its unit's position there, or -1 for a piece of an id.
     void appendIdList(const QString &id, OrderedDict<QString> &out,
                       std::vector<char> *done = nullptr,
                       std::vector<int> *positions = nullptr) const;
 
 private:
-    void walk(QStringView id, std::vector<int> &out, std::vector<char> *done) const;
+    /// start is the position of id, or -1 when id is no unit.
+    void walk(QStringView id, int start, std::vector<int> &out, std::vector<char> *done) const;
     [[nodiscard]] std::span<const int> group(int g) const
     {
         if (g < 0)

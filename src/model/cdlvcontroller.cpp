@@ -317,14 +317,8 @@ StringSet cDLVController::GetAggregateBUList(std::vector<const BusinessUnit *> *
             std::vector<char> done(std::size_t(hierarchy.count()), 0);
             std::vector<int> positions;
             for (int i = 0; i < count; ++i) {
-                if (!m_surface->buListSelected(i))
-                    continue;
-                const QString id = m_surface->buListId(i);
-                // A unit that an earlier walk reached is listed already, and so is everything
-                // below it: one lookup instead of listing it again.
-                if (const int unit = hierarchy.indexOf(id); unit >= 0 && done[std::size_t(unit)])
-                    continue;
-                hierarchy.appendIdList(id, ids, &done, &positions);
+                if (m_surface->buListSelected(i))
+                    hierarchy.appendIdList(m_surface->buListId(i), ids, &done, &positions);
             }
             m_keptAggregate = KeptList{revision, m_parentEpoch, ids, std::move(positions)};
         }
