@@ -14,6 +14,8 @@
 #include "webdata/qzwebtable.h"
 #include "webdata/webvariant.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cmath>
 
 namespace {
@@ -38,6 +40,43 @@ void fillLookup(StringSet &lookup, const QZWebTable &table, QStringView keyColum
     }
 }
 
+// Whether the unit table lists exactly the ids, descriptions and parents that the two unit lookups
+// hold, row for row: filling them again would give the same lookups. A table that lacks a column
+// or whose fill stopped part way (a repeated id) never matches, so it is filled and fails as
+// before.
+bool sameUnitLookups(const StringSet &descriptions, const StringSet &parents,
+                     const QZWebTable &table)
+{
+    const int rows = std::max(table.rowCount(), 0);
+    if (descriptions.count() != rows || parents.count() != rows)
+        return false;
+    if (rows == 0)
+        return true;
+    const int keyAt = table.columnIndex(u"BUID");
+    const int descriptionAt = table.columnIndex(u"BUDesc");
+    const int parentAt = table.columnIndex(u"ParentBUID");
+    if (keyAt < 0 || descriptionAt < 0 || parentAt < 0)
+        return false;
+    for (int i = 1; i <= rows; ++i) {
+        const auto &description = descriptions.at(i - 1);
+        const auto &parent = parents.at(i - 1);
+        if (!SharedText::equal(description.key, parent.key) ||
+            table.value(i, keyAt) != description.key ||
+            table.value(i, descriptionAt) != description.value ||
+            table.value(i, parentAt) != parent.value)
+            return false;
+    }
+    return true;
+}
+
+// Epochs of unit lookups are unique across controllers, so that a view's kept positions never
+// take one controller's lookups for another's.
+quint64 newEpoch()
+{
+    static std::atomic<quint64> last{0};
+    return ++last;
+}
+
 // A time of day shifted by a number of minutes must stay inside the host platform's date range
 // (years 100 to 9999); beyond it the addition overflows.
 QDateTime addMinutes(const QDateTime &now, double minutes)
@@ -56,7 +95,9 @@ QDateTime addMinutes(const QDateTime &now, double minutes)
 
 cDLVController::cDLVController(ErrorReporter *reporter, QObject *parent)
     : QObject(parent), m_reporter(reporter), m_bus(std::make_unique<BusinessUnits>())
-{}
+{
+    m_parentEpoch = newEpoch();
+}
 
 cDLVController::~cDLVController()
 {
@@ -83,7 +124,7 @@ void cDLVController::Release()
     m_jobClassDescriptions.clear();
     m_timeFormats.reset();
     m_hierarchyValid = false;
-    ++m_parentEpoch;
+    m_parentEpoch = newEpoch();
 }
 
 void cDLVController::ReceiveMessage(const QVariant &data, qint32 DataType, const QString &Tag)
@@ -192,10 +233,15 @@ void cDLVController::LoadCodeLookups(const QZWebTable &businessUnits, const QZWe
                                      const QZWebTable &jobClasses)
 {
     // Lookup by lookup: a failure leaves the later lookups as the previous load left them.
-    m_hierarchyValid = false;
-    ++m_parentEpoch;
-    fillLookup(m_buDescriptions, businessUnits, u"BUID", u"BUDesc");
-    fillLookup(m_parentBUIDs, businessUnits, u"BUID", u"ParentBUID", &m_buDescriptions);
+    // Units rarely change between two messages: lookups equal to the table stay, and with them
+    // their epoch, the hierarchy and everything kept for them (positions, the aggregate list,
+    // the grids' shared texts).
+    if (!sameUnitLookups(m_buDescriptions, m_parentBUIDs, businessUnits)) {
+        m_hierarchyValid = false;
+        m_parentEpoch = newEpoch();
+        fillLookup(m_buDescriptions, businessUnits, u"BUID", u"BUDesc");
+        fillLookup(m_parentBUIDs, businessUnits, u"BUID", u"ParentBUID", &m_buDescriptions);
+    }
     fillLookup(m_jobTypeDescriptions, jobTypes, u"JobType", u"JobTypeDesc");
     fillLookup(m_jobClassDescriptions, jobClasses, u"JobClass", u"JobClassDesc");
 }
@@ -272,7 +318,7 @@ UnitLookups cDLVController::Lookups() const
         kept.parentEpoch = m_parentEpoch;
         kept.busEpoch = m_busEpoch;
     }
-    return {m_buDescriptions, m_parentBUIDs, hierarchy, kept.units, kept.aligned};
+    return {m_buDescriptions, m_parentBUIDs, hierarchy, kept.units, kept.aligned, m_parentEpoch};
 }
 
 StringSet cDLVController::GetBUList()

@@ -150,7 +150,7 @@ private:
     };
     KeptList m_keptChosen;
     KeptList m_keptAggregate;
-    quint64 m_parentEpoch = 1; // counts changes of the unit lookups
+    quint64 m_parentEpoch = 0; // names the unit lookups (a new one for every change)
     quint64 m_busEpoch = 1;    // counts new models
 
     // The model's unit of each hierarchy position and whether the lookups are aligned, kept for

@@ -21,4 +21,7 @@ struct UnitLookups
     /// Whether the description lookup holds the parent map's ids in the same order (both come
     /// from one table), so that a unit has the same position in both and in the hierarchy.
     bool aligned = false;
+    /// Names these lookups among all lookups of all controllers: equal epochs, equal lookups.
+    /// A message that lists the same units keeps the lookups and their epoch.
+    quint64 epoch = 0;
 };

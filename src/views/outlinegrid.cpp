@@ -882,6 +882,18 @@ bool OutlineGrid::keepTree(const std::vector<TreeNode> &nodes, const TreeLayout 
             !std::isnan(c.number) || !SharedText::equal(c.text, nodes[size_t(i)].text))
             return false;
     }
+    // Equal texts that are not the nodes' own strings (new lookups of the same units) are taken
+    // over, so that the next compare with the same lookups reads no characters. A row whose cells
+    // a baseline shares keeps its copy rather than being copied for it.
+    for (size_t k = 0; k < order.size(); ++k) {
+        const TreeNode &node = nodes[size_t(order[k])];
+        Row &r = m_rows[size_t(m_fixedRows) + k];
+        if (r.data.constData() != node.rowData.constData())
+            r.data = node.rowData;
+        if (std::as_const(r.cells)[textCol].text.constData() != node.text.constData() &&
+            r.cells.isDetached())
+            r.cells[textCol].text = node.text;
+    }
     bool heights = false;
     for (int r = m_fixedRows; r < rowCount(); ++r) {
         setCollapsed(r, false);

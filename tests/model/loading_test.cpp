@@ -164,6 +164,94 @@ TEST_F(LoadingTest, UnitTableFollowsEachLoadAndLookupsOfDifferentLoadsAreNotAlig
     EXPECT_EQ(lookups.units[0], &unit(u"B4"));
 }
 
+// A message that lists the units of the last one keeps the lookups (and their epoch, which every
+// kept position in the views goes by); any change of an id, description, parent or order, and any
+// failed fill, makes new ones, equal to what a first load of the message would make.
+TEST_F(LoadingTest, UnitLookupsStayExactlyWhileTheUnitTableStaysTheSame)
+{
+    const auto units = [](const char *descriptionOfB, const char *parentOfC) {
+        return DLVDataBuilder()
+            .unit("#", "All", "")
+            .unit("A", "a", "#")
+            .unit("B", descriptionOfB, "A")
+            .unit("C", "c", parentOfC)
+            .general("A")
+            .general("B");
+    };
+    using Pairs = std::vector<std::pair<QString, QString>>;
+    const auto pairs = [](const StringSet &set) {
+        Pairs out;
+        for (const auto &entry : set)
+            out.emplace_back(entry.key, entry.value);
+        return out;
+    };
+    const struct
+    {
+        const char *name;
+        DLVDataBuilder message;
+        bool kept;
+        Reports reports;
+    } steps[] = {
+        {"first", units("b", "A"), false, {}},
+        {"the same again", units("b", "A"), true, {}},
+        {"other figures", units("b", "A").general("C").detail("A", "WO", "X", {"3"}), true, {}},
+        {"a description", units("b2", "A"), false, {}},
+        {"a parent", units("b2", "B"), false, {}},
+        {"one unit more", units("b2", "B").unit("D", "d", "C"), false, {}},
+        {"another order",
+         DLVDataBuilder()
+             .unit("A", "a", "#")
+             .unit("#", "All", "")
+             .unit("B", "b2", "A")
+             .unit("C", "c", "B"),
+         false,
+         {}},
+        {"a repeated id",
+         units("b", "A").unit("A", "again", "#"),
+         false,
+         {"cDLVController.LoadData 457"}},
+        {"the first again after a failure", units("b", "A"), false, {}},
+        {"no parent column",
+         units("b", "A").withoutColumn("BusinessUnits", "ParentBUID"),
+         false,
+         {"cDLVController.LoadData 9"}},
+        {"the first once more", units("b", "A"), false, {}},
+        {"and again", units("b", "A"), true, {}},
+    };
+    quint64 epoch = controller.Lookups().epoch;
+    for (const auto &step : steps) {
+        SCOPED_TRACE(step.name);
+        reporter.reports.clear();
+        load(step.message);
+        EXPECT_EQ(reportTexts(), step.reports);
+        const UnitLookups lookups = controller.Lookups();
+        EXPECT_EQ(lookups.epoch == epoch, step.kept);
+        epoch = lookups.epoch;
+        if (!step.reports.empty())
+            continue;
+        ControllerRig fresh;
+        fresh.load(step.message);
+        const UnitLookups first = fresh.controller.Lookups();
+        EXPECT_EQ(pairs(lookups.descriptions), pairs(first.descriptions));
+        EXPECT_EQ(pairs(lookups.parents), pairs(first.parents));
+        EXPECT_TRUE(lookups.aligned);
+        ASSERT_EQ(lookups.units.size(), first.units.size());
+        for (std::size_t u = 0; u < first.units.size(); ++u) { // the units of this load's model
+            EXPECT_EQ(lookups.units[u] ? lookups.units[u]->BUID() : QString(),
+                      first.units[u] ? first.units[u]->BUID() : QString());
+            EXPECT_TRUE(!lookups.units[u] ||
+                        lookups.units[u] == controller.BUs().Item(lookups.units[u]->BUID()));
+        }
+        std::vector<QString> children;
+        for (const int child : lookups.hierarchy.children(u"A"))
+            children.push_back(lookups.hierarchy.id(child));
+        std::vector<QString> firstChildren;
+        for (const int child : first.hierarchy.children(u"A"))
+            firstChildren.push_back(first.hierarchy.id(child));
+        EXPECT_EQ(children, firstChildren);
+    }
+}
+
 DLVDataBuilder fullLoad()
 {
     return DLVDataBuilder()
