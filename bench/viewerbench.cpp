@@ -37,18 +37,7 @@ ViewerBench::Times ViewerBench::run(const std::shared_ptr<QZWebMessage> &message
         Stage::bestOf(runs, [&] { viewer.ReceiveMessage(data, QVariant(0), QVariant()); });
     BusinessUnits &model = d.controller()->BUs();
     times.units = model.Count();
-    // The fill's own collapsed-node memory is private to the control; the same two lists here.
-    std::array<StringSet, 2> collapsed;
-    times.hierarchyFill = Stage::bestOf(runs, [&] {
-        OutlineGrid::RedrawSuspender suspendWorkOrders(d.views().grid(1));
-        OutlineGrid::RedrawSuspender suspendPoints(d.views().grid(2));
-        d.views().SaveCollapsedList(1, collapsed[0]);
-        d.views().SaveCollapsedList(2, collapsed[1]);
-        HierarchyGrid::Fill(d.views().grid(1), d.views().grid(2), d.controller()->Lookups(), model,
-                            d.fills().currentSelection());
-        d.views().RestoreCollapsedList(1, collapsed[0]);
-        d.views().RestoreCollapsedList(2, collapsed[1]);
-    });
+    times.hierarchyFill = Stage::bestOf(runs, [&] { d.fills().fillHierarchyGrids(model); });
     times.unitList = Stage::bestOf(runs, [&] { d.fills().LoadBUListView(); });
     times.summaryFill = Stage::bestOf(runs, [&] { d.fills().ShowBUs(model); });
 

@@ -80,7 +80,7 @@ void UnitListPane::takeSelection()
 }
 
 void UnitListPane::fill(std::vector<BUSelection::Item> items,
-                        const std::function<bool(QStringView)> &keep)
+                        const std::function<bool(const BUSelection::Item &)> &keep)
 {
     // A refresh mostly lists the same units with the same descriptions: the list's items then
     // stay, and only the choice is shown anew (ten thousand items cost tens of milliseconds to
@@ -98,7 +98,7 @@ void UnitListPane::fill(std::vector<BUSelection::Item> items,
     std::vector<char> chosen;
     chosen.reserve(m_items.size());
     for (const BUSelection::Item &item : m_items)
-        chosen.push_back(keep(QStringView(item.key).mid(1)));
+        chosen.push_back(keep(item));
     m_syncing = true;
     // The same units keep their place in the choice: only what is chosen is taken anew.
     const auto choiceHoldsTheItems = [this] {

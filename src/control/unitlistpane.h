@@ -36,8 +36,9 @@ public:
     UnitListPane(QWidget *frame, QTreeWidget *list, ViewChoice &choice, CaptionLookup caption);
     ~UnitListPane() override;
 
-    /// Replaces the items; keys whose id is in keep are selected again.
-    void fill(std::vector<BUSelection::Item> items, const std::function<bool(QStringView)> &keep);
+    /// Replaces the items; the items that keep holds are selected again.
+    void fill(std::vector<BUSelection::Item> items,
+              const std::function<bool(const BUSelection::Item &)> &keep);
 
     /// The items of the last fill, in list order.
     [[nodiscard]] const std::vector<BUSelection::Item> &items() const { return m_items; }

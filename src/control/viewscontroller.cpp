@@ -7,6 +7,7 @@
 #include "model/cdlvcontroller.h"
 #include "model/errortrap.h"
 #include "model/fillbusy.h"
+#include "model/unitlookups.h"
 #include "model/viewchoice.h"
 #include "profiles/profileexchange.h"
 #include "views/buselection.h"
@@ -42,6 +43,10 @@ void ViewsController::release()
     m_sessionUnits.reset();
     for (StringSet &list : m_collapsedLists)
         list.clear();
+    m_selectionPositions = KeptPositions();
+    m_sessionPositions = KeptPositions();
+    m_listedPositions = KeptPositions();
+    m_unitOfRow.clear();
 }
 
 void ViewsController::writePanel(const PanelValues &panel)
@@ -116,51 +121,60 @@ void ViewsController::mDLV_FillBUHierarchyGrid(BusinessUnits &bus)
     if (!m_dlv)
         return;
     Q_EMIT refreshStarted();
-    GridViews &views = m_parts.views;
     // The data message set the summary's flag too: the summary fill clears it as it ends, and
     // when this fill fails before the summary fill has run, this scope does.
     FillBusy::Scope summaryBusy(m_dlv->Busy(), FillBusy::SummaryFill);
     ErrorTrap::run(&m_parts.reporter, kFillHierarchy, [&] {
         FillBusy::Scope busy(m_dlv->Busy(), FillBusy::HierarchyFill);
-        if (m_hierarchyFilled) {
-            views.SaveCollapsedList(1, m_collapsedLists[1]);
-            views.SaveCollapsedList(2, m_collapsedLists[2]);
-        }
-        // The user's place in each tree (the keyboard's current cell, where Enter drills down)
-        // goes back to the same unit after the refill, when that unit is still shown.
-        std::array<std::pair<QString, int>, 2> places;
-        for (int i = 1; i <= 2; ++i) {
-            const OutlineGrid &grid = views.grid(i);
-            if (grid.currentRow() >= grid.fixedRows())
-                places[std::size_t(i - 1)] = {grid.rowData(grid.currentRow()), grid.currentCol()};
-        }
-        {
-            OutlineGrid::RedrawSuspender suspendWorkOrders(views.grid(1));
-            OutlineGrid::RedrawSuspender suspendPoints(views.grid(2));
-            HierarchyGrid::Fill(views.grid(1), views.grid(2), m_dlv->Lookups(), bus,
-                                m_currentSelection);
-            views.FitGridHeight(1);
-            views.FitGridHeight(2);
-            if (m_hierarchyFilled) {
-                views.RestoreCollapsedList(1, m_collapsedLists[1]);
-                views.RestoreCollapsedList(2, m_collapsedLists[2]);
-            } else {
-                RestoreNodes(QStringLiteral("BUWorkOrders"), 1);
-                RestoreNodes(QStringLiteral("BUPoints"), 2);
-            }
-            for (int i = 1; i <= 2; ++i) {
-                OutlineGrid &grid = views.grid(i);
-                const auto &[key, col] = places[std::size_t(i - 1)];
-                const int row = key.isEmpty() ? -1 : grid.findRow(key);
-                if (row >= 0 && col < grid.colCount() && grid.isRowVisible(row))
-                    grid.setCurrentCell(row, col);
-            }
-        }
+        fillHierarchyGrids(bus);
         m_hierarchyFilled = true;
         LoadBUListView();
         busy.end();
         mDLV_FillSingleBUGrid(bus);
     });
+}
+
+void ViewsController::fillHierarchyGrids(const BusinessUnits &bus)
+{
+    if (!m_dlv)
+        return;
+    GridViews &views = m_parts.views;
+    if (m_hierarchyFilled) {
+        views.SaveCollapsedList(1, m_collapsedLists[1]);
+        views.SaveCollapsedList(2, m_collapsedLists[2]);
+    }
+    // The user's place in each tree (the keyboard's current cell, where Enter drills down)
+    // goes back to the same unit after the refill, when that unit is still shown.
+    std::array<std::pair<QString, int>, 2> places;
+    for (int i = 1; i <= 2; ++i) {
+        const OutlineGrid &grid = views.grid(i);
+        if (grid.currentRow() >= grid.fixedRows())
+            places[std::size_t(i - 1)] = {grid.rowData(grid.currentRow()), grid.currentCol()};
+    }
+    {
+        OutlineGrid::RedrawSuspender suspendWorkOrders(views.grid(1));
+        OutlineGrid::RedrawSuspender suspendPoints(views.grid(2));
+        const UnitLookups lookups = m_dlv->Lookups();
+        m_selectionPositions.update(m_currentSelection, lookups.hierarchy, lookups.epoch);
+        HierarchyGrid::Fill(views.grid(1), views.grid(2), lookups, bus, m_currentSelection,
+                            m_selectionPositions.positions(), &m_unitOfRow);
+        views.FitGridHeight(1);
+        views.FitGridHeight(2);
+        if (m_hierarchyFilled) {
+            views.RestoreCollapsedList(1, m_collapsedLists[1]);
+            views.RestoreCollapsedList(2, m_collapsedLists[2]);
+        } else {
+            RestoreNodes(QStringLiteral("BUWorkOrders"), 1);
+            RestoreNodes(QStringLiteral("BUPoints"), 2);
+        }
+        for (int i = 1; i <= 2; ++i) {
+            OutlineGrid &grid = views.grid(i);
+            const auto &[key, col] = places[std::size_t(i - 1)];
+            const int row = key.isEmpty() ? -1 : grid.findRow(key);
+            if (row >= 0 && col < grid.colCount() && grid.isRowVisible(row))
+                grid.setCurrentCell(row, col);
+        }
+    }
 }
 
 void ViewsController::LoadBUListView()
@@ -169,10 +183,21 @@ void ViewsController::LoadBUListView()
         return;
     const StringSet kept = m_dlv->GetBUList();
     static const StringSet noSession;
+    const StringSet &session = m_sessionUnits ? *m_sessionUnits : noSession;
+    const UnitLookups lookups = m_dlv->Lookups();
+    m_sessionPositions.update(session, lookups.hierarchy, lookups.epoch);
+    m_listedPositions.update(kept, lookups.hierarchy, lookups.epoch);
     std::vector<BUSelection::Item> items =
-        BUSelection::listItems(m_parts.views.grid(1), m_sessionUnits ? *m_sessionUnits : noSession,
-                               m_parts.unitList.items());
-    m_parts.unitList.fill(std::move(items), [&kept](QStringView id) { return kept.contains(id); });
+        BUSelection::listItems(m_parts.views.grid(1), session, m_parts.unitList.items(),
+                               {m_unitOfRow, &lookups.hierarchy, m_sessionPositions.members()});
+    // An item whose unit the rows told is kept by position; kept holds exact ids as the
+    // hierarchy does, so both answers agree.
+    const std::span<const char> keptUnits = m_listedPositions.members();
+    m_parts.unitList.fill(std::move(items), [&](const BUSelection::Item &item) {
+        return item.unit >= 0 && std::size_t(item.unit) < keptUnits.size()
+                   ? keptUnits[std::size_t(item.unit)] != 0
+                   : kept.contains(QStringView(item.key).mid(1));
+    });
 }
 
 void ViewsController::cmdView_Click()

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "common/ordereddict.h"
+#include "model/keptpositions.h"
 
 #include <QObject>
 #include <QStringList>
 #include <array>
 #include <functional>
 #include <memory>
+#include <vector>
 
 class BusinessUnits;
 class ErrorReporter;
@@ -65,6 +67,9 @@ public:
     // --- the controller's fill requests and the View button
     void mDLV_FillBUHierarchyGrid(BusinessUnits &bus);
     void mDLV_FillSingleBUGrid(BusinessUnits &bus);
+    /// Refills both hierarchy grids from the model and the current selection, keeping the
+    /// user's collapsed nodes and place in each tree; throws as HierarchyGrid::Fill does.
+    void fillHierarchyGrids(const BusinessUnits &bus);
     /// Refills the summary grid and the panel from the model and the unit list's selection.
     void ShowBUs(BusinessUnits &bus);
     /// Refills the unit list from the work-order hierarchy, keeping the chosen units.
@@ -116,4 +121,11 @@ private:
     bool m_summaryFilled = false;
     bool m_hierarchyFilled = false;
     bool m_profileSettingsLoaded = false;
+    /// Hierarchy positions of the current selection, the session's units and the units chosen
+    /// in the list, and the unit of each work-order row as the last hierarchy fill laid them
+    /// out: refreshes of the same units look no id up.
+    KeptPositions m_selectionPositions;
+    KeptPositions m_sessionPositions;
+    KeptPositions m_listedPositions;
+    std::vector<int> m_unitOfRow;
 };

@@ -1,24 +1,40 @@
 #include "views/buselection.h"
 
+#include "common/sharedtext.h"
+#include "model/buhierarchy.h"
 #include "views/hierarchygrid.h"
 #include "views/outlinegrid.h"
 
 std::vector<BUSelection::Item> BUSelection::listItems(const OutlineGrid &workOrderGrid,
                                                       const StringSet &sessionBUs,
-                                                      const std::vector<Item> &previous)
+                                                      const std::vector<Item> &previous,
+                                                      const KnownRows &known)
 {
+    // The unit a row shows, when the fill said so and the row still shows that unit's id.
+    const auto knownUnit = [&](int row, const QString &id) {
+        const int unit =
+            std::size_t(row) < known.unitOfRow.size() ? known.unitOfRow[std::size_t(row)] : -1;
+        return unit >= 0 && known.hierarchy && unit < known.hierarchy->count() &&
+                       std::size_t(unit) < known.sessionMembers.size() &&
+                       SharedText::equal(id, known.hierarchy->id(unit))
+                   ? unit
+                   : -1;
+    };
     std::vector<Item> items;
     items.reserve(previous.size());
     for (int row = 2; row < workOrderGrid.rowCount(); ++row) {
         const QString &id = workOrderGrid.rowData(row);
         // The root row stands for the whole tree, not for a unit the user can pick, even when a
         // host lists "#" among the session's units.
-        if (id == HierarchyGrid::RootKey || !sessionBUs.contains(id))
+        if (id == HierarchyGrid::RootKey)
+            continue;
+        const int unit = knownUnit(row, id);
+        if (unit >= 0 ? !known.sessionMembers[std::size_t(unit)] : !sessionBUs.contains(id))
             continue;
         const std::size_t at = items.size();
         const bool again = at < previous.size() && QStringView(previous[at].key).mid(1) == id;
         items.push_back(Item{again ? previous[at].key : QStringLiteral("_") + id,
-                             workOrderGrid.text(row, 0), workOrderGrid.outlineLevel(row)});
+                             workOrderGrid.text(row, 0), workOrderGrid.outlineLevel(row), unit});
     }
     return items;
 }

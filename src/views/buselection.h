@@ -3,9 +3,22 @@
 #include "common/ordereddict.h"
 
 #include <QString>
+#include <span>
 #include <vector>
 
+class BUHierarchy;
 class OutlineGrid;
+
+/// What a hierarchy fill knows of the work-order grid's rows: the hierarchy position of each
+/// row's unit (HierarchyGrid::Fill's unitOfRow) and whether the session holds each position's
+/// unit (KeptPositions::members). A row is taken at its word only while it still shows that
+/// unit's own id, so a grid changed since the fill is looked up as before.
+struct KnownRows
+{
+    std::span<const int> unitOfRow;
+    const BUHierarchy *hierarchy = nullptr;
+    std::span<const char> sessionMembers;
+};
 
 /// The rules behind the unit list lvBU and the View button, without widgets: which units the list
 /// offers (the session's units that the work-order hierarchy holds, in tree order) and whether a
@@ -18,6 +31,7 @@ public:
         QString key;   ///< "_" followed by the unit id
         QString text;  ///< the unit's description
         int level = 0; ///< outline level of the unit's row in the hierarchy
+        int unit = -1; ///< the unit's hierarchy position, when the rows' units were known
     };
 
     /// Walks the hierarchy grid's rows from row 2 in tree order and lists every row whose row data
@@ -26,9 +40,11 @@ public:
     /// the row's tree text, read there rather than looked up again (a list of thousands of units
     /// is made on every refresh). previous, the last list made, lends the keys of units listed
     /// at the same place again, so that an unchanged list makes no new strings.
+    /// known, when given, says which session units the rows show without a lookup of their ids.
     [[nodiscard]] static std::vector<Item> listItems(const OutlineGrid &workOrderGrid,
                                                      const StringSet &sessionBUs,
-                                                     const std::vector<Item> &previous = {});
+                                                     const std::vector<Item> &previous = {},
+                                                     const KnownRows &known = {});
 
     /// For the list shown as a tree: each item's parent item, the nearest item above it in the
     /// list with a lower level (a unit whose listed ancestors are all outside the session hangs

@@ -297,7 +297,7 @@ struct WideFigures
 /// caller takes the unit-by-unit way otherwise, which also reports an overflow where it occurs.
 bool fillBottomUp(std::vector<RowFigures> &figures, const OutlineGrid &workOrders,
                   const UnitLookups &lookups, const BusinessUnits &bus, const StringSet &selection,
-                  const std::vector<int> &rowOfUnit)
+                  std::span<const int> positions, const std::vector<int> &rowOfUnit)
 {
     const BUHierarchy &hierarchy = lookups.hierarchy;
     const int n = hierarchy.count();
@@ -328,8 +328,10 @@ bool fillBottomUp(std::vector<RowFigures> &figures, const OutlineGrid &workOrder
     }
 
     std::vector<WideFigures> rows(figures.size());
-    for (const auto &entry : selection) {
-        const int unit = hierarchy.indexOf(entry.key);
+    const bool positioned = qsizetype(positions.size()) == selection.count();
+    for (qsizetype k = 0; k < selection.count(); ++k) {
+        const auto &entry = selection.at(k);
+        const int unit = positioned ? positions[std::size_t(k)] : hierarchy.indexOf(entry.key);
         const int row = unit >= 0 && !rowOfUnit.empty() ? rowOfUnit[std::size_t(unit)]
                                                         : workOrders.findRow(entry.key);
         if (row < 0)
@@ -366,10 +368,11 @@ namespace {
 // per selected unit that reaches the row. The grid's rows are read, not written.
 std::vector<RowFigures> rowFigures(const OutlineGrid &workOrders, const UnitLookups &lookups,
                                    const BusinessUnits &bus, const StringSet &selection,
+                                   std::span<const int> positions,
                                    const std::vector<int> &rowOfUnit)
 {
     std::vector<RowFigures> figures(std::size_t(workOrders.rowCount()));
-    if (!fillBottomUp(figures, workOrders, lookups, bus, selection, rowOfUnit) ||
+    if (!fillBottomUp(figures, workOrders, lookups, bus, selection, positions, rowOfUnit) ||
         std::any_of(selection.begin(), selection.end(),
                     [](const auto &entry) { return entry.key.contains(u','); })) {
         figures.assign(figures.size(), RowFigures{});
@@ -444,8 +447,11 @@ void fillUnitByUnit(std::vector<RowFigures> &figures, const OutlineGrid &workOrd
 } // namespace
 
 void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const UnitLookups &lookups,
-                         const BusinessUnits &bus, const StringSet &selection)
+                         const BusinessUnits &bus, const StringSet &selection,
+                         std::span<const int> selectionPositions, std::vector<int> *unitOfRow)
 {
+    if (unitOfRow)
+        unitOfRow->clear();
     OutlineGrid::RedrawSuspender suspendWorkOrders(workOrders);
     OutlineGrid::RedrawSuspender suspendPoints(points);
     std::vector<int> nodeOfUnit;
@@ -473,10 +479,17 @@ void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const Uni
             if (nodeOfUnit[u] >= 0)
                 rowOfUnit[u] = rowOfNode[std::size_t(nodeOfUnit[u])];
         }
+        if (unitOfRow) {
+            unitOfRow->assign(std::size_t(workOrders.rowCount()), -1);
+            for (std::size_t u = 0; u < rowOfUnit.size(); ++u) {
+                if (rowOfUnit[u] >= 0)
+                    (*unitOfRow)[std::size_t(rowOfUnit[u])] = int(u);
+            }
+        }
     }
     std::vector<RowFigures> figures;
     try {
-        figures = rowFigures(workOrders, lookups, bus, selection, rowOfUnit);
+        figures = rowFigures(workOrders, lookups, bus, selection, selectionPositions, rowOfUnit);
     } catch (...) {
         writeRows(workOrders, nullptr, &RowFigures::workOrders);
         writeRows(points, nullptr, &RowFigures::points);

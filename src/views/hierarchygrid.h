@@ -5,6 +5,7 @@
 
 #include <QString>
 #include <functional>
+#include <span>
 #include <vector>
 
 class BusinessUnits;
@@ -62,6 +63,12 @@ public:
     /// below it that the model holds: a unit below several selected rows counts once in each of
     /// them. Throws DLVError (6 when a sum leaves the 32-bit range; the grids
     /// then hold the tree without figures).
+    /// selectionPositions, when given, holds each selected id's hierarchy position or -1, in the
+    /// selection's order (KeptPositions), so that the ids need not be looked up. unitOfRow, when
+    /// given, receives the hierarchy position of the unit each row of the work-order grid shows
+    /// (-1 for other rows), or nothing when the lookups do not say it directly.
     static void Fill(OutlineGrid &workOrders, OutlineGrid &points, const UnitLookups &lookups,
-                     const BusinessUnits &bus, const StringSet &selection);
+                     const BusinessUnits &bus, const StringSet &selection,
+                     std::span<const int> selectionPositions = {},
+                     std::vector<int> *unitOfRow = nullptr);
 };

@@ -34,7 +34,8 @@ struct Pane
     }
     void fill(const Items &units, std::vector<const char *> keep)
     {
-        pane->fill(units, [&keep](QStringView id) {
+        pane->fill(units, [&keep](const BUSelection::Item &item) {
+            const QStringView id = QStringView(item.key).mid(1);
             return std::any_of(keep.begin(), keep.end(),
                                [id](const char *k) { return id == QLatin1StringView(k); });
         });

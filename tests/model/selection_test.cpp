@@ -1,5 +1,6 @@
 // Selection lists: descendants from the parent map, list-view selections and aggregate sets.
 #include "model/controllerfixture.h"
+#include "model/keptpositions.h"
 #include "model/viewchoice.h"
 
 #include <QRandomGenerator>
@@ -264,4 +265,81 @@ TEST(KeptSelectionLists, FollowEveryChangeOfTheChoiceAndTheParentMap)
         EXPECT_EQ(ids(controller.GetBUList()), step.chosen);
     }
     EXPECT_TRUE(reporter.reports.empty());
+}
+
+// Kept positions answer for the set and the lookups they were taken from: a set changed in place
+// after it was shown, other lookups or another epoch must all be seen, or a refresh would sum
+// and list the wrong units.
+TEST(KeptPositions, FollowTheSetAndTheLookups)
+{
+    const auto parentMap = [](std::initializer_list<const char *> ids) {
+        StringSet map(KeyCompare::Exact);
+        for (const char *id : ids)
+            map.add(QString::fromUtf8(id), QStringLiteral("#"));
+        return map;
+    };
+    BUHierarchy abc;
+    abc.rebuild(parentMap({"A", "B", "C"}));
+    BUHierarchy cba;
+    cba.rebuild(parentMap({"C", "B", "A"}));
+    const auto set = [](std::initializer_list<const char *> ids, KeyCompare compare) {
+        StringSet out(compare);
+        for (const char *id : ids)
+            out.add(QString::fromUtf8(id), QString::fromUtf8(id));
+        return out;
+    };
+    StringSet chosen = set({"C", "ghost", "A"}, KeyCompare::Exact);
+    KeptPositions kept;
+    using Positions = std::vector<int>;
+    using Members = std::vector<char>;
+    const struct
+    {
+        const char *name;
+        std::function<void()> change;
+        const BUHierarchy &hierarchy;
+        quint64 epoch;
+        Positions positions;
+        Members members;
+    } steps[] = {
+        {"first", [] {}, abc, 1, {2, -1, 0}, {1, 0, 1}},
+        {"asked again", [] {}, abc, 1, {2, -1, 0}, {1, 0, 1}},
+        {"a copy of the set", [&] { chosen = StringSet(chosen); }, abc, 1, {2, -1, 0}, {1, 0, 1}},
+        {"the set changed in place",
+         [&] { chosen.add(QStringLiteral("B"), QStringLiteral("B")); },
+         abc,
+         1,
+         {2, -1, 0, 1},
+         {1, 1, 1}},
+        {"a unit less", [&] { chosen.remove(u"C"); }, abc, 1, {-1, 0, 1}, {1, 1, 0}},
+        {"new lookups", [] {}, cba, 2, {-1, 2, 1}, {0, 1, 1}},
+        {"an equal set made anew",
+         [&] {
+             chosen = set({"ghost", "A", "B"}, KeyCompare::Exact);
+         },
+         cba,
+         2,
+         {-1, 2, 1},
+         {0, 1, 1}},
+        {"ids without regard to case",
+         [&] {
+             chosen = set({"a", "B"}, KeyCompare::CaseInsensitive);
+         },
+         cba,
+         2,
+         {-1, 1},
+         {0, 0, 0}},
+        {"an epoch of none",
+         [&] { chosen = set({"A"}, KeyCompare::Exact); },
+         abc,
+         0,
+         {0},
+         {1, 0, 0}},
+    };
+    for (const auto &step : steps) {
+        SCOPED_TRACE(step.name);
+        step.change();
+        kept.update(chosen, step.hierarchy, step.epoch);
+        EXPECT_EQ(Positions(kept.positions().begin(), kept.positions().end()), step.positions);
+        EXPECT_EQ(Members(kept.members().begin(), kept.members().end()), step.members);
+    }
 }

@@ -2,6 +2,7 @@
 #include "common/dlverror.h"
 #include "loadedmodel.h"
 #include "model/businessunit.h"
+#include "model/keptpositions.h"
 #include "support/expecterror.h"
 #include "views/buselection.h"
 
@@ -253,6 +254,48 @@ TEST(HierarchyGridTree, DirectBuildMatchesTheStepByStepProcedureOnRandomData)
         }
         for (std::size_t i = 0; i < again.size(); ++i)
             ASSERT_EQ(again[i].key.constData(), first[i].key.constData()); // no new strings
+
+        // Positions kept for the chosen units and the session, and each row's unit as the fill
+        // laid them out, give the figures and the list that looking every id up gives. Rows
+        // told wrongly (a grid changed since the fill) are looked up.
+        StringSet chosen(KeyCompare::Exact);
+        for (const QString &id : units) {
+            if (random.bounded(3) == 0)
+                chosen.add(id, id);
+        }
+        chosen.add(QStringLiteral("#"), QStringLiteral("#"));
+        Grids lookedUp;
+        const std::vector<QString> chosenIds = chosen.keys();
+        lookedUp.fill(model, QStringList(chosenIds.begin(), chosenIds.end()));
+        KeptPositions chosenAt;
+        chosenAt.update(chosen, lookups.hierarchy, lookups.epoch);
+        std::vector<int> unitOfRow;
+        Grids byPosition;
+        HierarchyGrid::Fill(byPosition.workOrders, byPosition.points, lookups,
+                            model.controller.BUs(), chosen, chosenAt.positions(), &unitOfRow);
+        ASSERT_EQ(unitOfRow.size(), std::size_t(byPosition.workOrders.rowCount()));
+        for (int row = 2; row < lookedUp.workOrders.rowCount(); ++row) {
+            ASSERT_EQ(figures(byPosition.workOrders, row), figures(lookedUp.workOrders, row));
+            ASSERT_EQ(figures(byPosition.points, row), figures(lookedUp.points, row));
+        }
+        KeptPositions sessionAt;
+        sessionAt.update(session, lookups.hierarchy, lookups.epoch);
+        std::vector<int> shifted(unitOfRow.begin() + 1, unitOfRow.end());
+        shifted.push_back(-1);
+        for (const std::vector<int> *told : {&unitOfRow, &shifted}) {
+            const auto known =
+                BUSelection::listItems(byPosition.workOrders, session, first,
+                                       {*told, &lookups.hierarchy, sessionAt.members()});
+            ASSERT_EQ(known.size(), first.size());
+            for (std::size_t i = 0; i < known.size(); ++i) {
+                ASSERT_EQ(known[i].key, first[i].key);
+                ASSERT_EQ(known[i].text, first[i].text);
+                ASSERT_EQ(known[i].level, first[i].level);
+                // The unit comes with the item wherever the rows told it right.
+                const int unit = lookups.hierarchy.indexOf(QStringView(known[i].key).mid(1));
+                ASSERT_TRUE(known[i].unit == unit || (told == &shifted && known[i].unit == -1));
+            }
+        }
     }
 }
 
