@@ -70,6 +70,12 @@ public:
     ~OrderedDict() = default;
 
     [[nodiscard]] KeyCompare keyCompare() const { return m_compare; }
+    /// Whether the two share their contents (a copy of the other that neither changed since):
+    /// then they are equal without a look at a key.
+    [[nodiscard]] bool sharesWith(const OrderedDict &other) const
+    {
+        return d == other.d && m_compare == other.m_compare;
+    }
     [[nodiscard]] qsizetype count() const { return qsizetype(d->entries.size()); }
     [[nodiscard]] bool isEmpty() const { return d->entries.empty(); }
 
@@ -90,6 +96,14 @@ public:
             return false;
         detach().append(key, hash, std::move(value));
         return true;
+    }
+
+    /// Appends a key that the caller knows to be absent (adding a present key this way breaks
+    /// lookups). Its hash is taken at the first lookup: a list of thousands of ids that is built
+    /// and then only read in order never hashes them.
+    void appendUnique(const QString &key, V value)
+    {
+        detach().entries.push_back(Entry{key, std::move(value)});
     }
 
     [[nodiscard]] bool contains(QStringView key) const { return indexOf(key) >= 0; }
@@ -248,8 +262,9 @@ private:
 
         explicit Data(KeyCompare) : table(MinSlots, -1) {}
 
-        [[nodiscard]] qsizetype find(QStringView key, std::size_t hash, KeyCompare compare) const
+        [[nodiscard]] qsizetype find(QStringView key, std::size_t hash, KeyCompare compare)
         {
+            indexAll(compare);
             const std::size_t mask = table.size() - 1;
             for (std::size_t i = home(hash);; i = (i + 1) & mask) {
                 const qsizetype at = table[i];
@@ -259,6 +274,21 @@ private:
                     Equal{compare}(key, entries[std::size_t(at)].key))
                     return at;
             }
+        }
+        /// Hashes and places the entries that appendUnique() left out of the index.
+        void indexAll(KeyCompare compare)
+        {
+            if (hashes.size() == entries.size())
+                return;
+            const std::size_t from = hashes.size();
+            for (std::size_t at = from; at < entries.size(); ++at)
+                hashes.push_back(Hash{compare}(entries[at].key));
+            if (entries.size() * 2 > table.size()) {
+                rehash(std::bit_ceil(entries.size() * 2));
+                return;
+            }
+            for (std::size_t at = from; at < entries.size(); ++at)
+                place(at);
         }
         V &append(const QString &key, std::size_t hash, V value)
         {
@@ -288,12 +318,12 @@ private:
         void rehash(std::size_t size)
         {
             table.assign(std::max(size, MinSlots), -1);
-            for (std::size_t at = 0; at < entries.size(); ++at)
+            for (std::size_t at = 0; at < hashes.size(); ++at)
                 place(at);
         }
 
         std::vector<Entry> entries;
-        std::vector<std::size_t> hashes;
+        std::vector<std::size_t> hashes; ///< of the first entries, those in the index
         std::vector<qsizetype> table;
     };
     /// The contents for a change: a copy of its own first when they are shared.

@@ -7,6 +7,7 @@ void BUHierarchy::rebuild(const OrderedDict<QString> &parentMap)
     const auto n = std::size_t(parentMap.count());
     m_ids.clear();
     m_pieced.clear();
+    m_anyPieced = false;
     m_parents.clear();
     m_unitIndex.clear();
     m_groupIndex.clear();
@@ -18,6 +19,7 @@ void BUHierarchy::rebuild(const OrderedDict<QString> &parentMap)
         m_unitIndex.add(entry.key, int(m_ids.size()));
         m_ids.push_back(entry.key);
         m_pieced.push_back(entry.key.contains(u','));
+        m_anyPieced = m_anyPieced || m_pieced.back();
         m_parents.push_back(entry.value);
     }
 
@@ -166,5 +168,21 @@ void BUHierarchy::appendIdList(const QString &id, OrderedDict<QString> &out,
             addPieces(listed, out, positions);
         else
             addUnit(listed, unit);
+    }
+}
+
+void BUHierarchy::appendUnitIdList(int unit, OrderedDict<QString> &out, std::vector<char> &done,
+                                   std::vector<int> &positions) const
+{
+    if (done[std::size_t(unit)])
+        return;
+    const QString &id = m_ids[std::size_t(unit)];
+    out.appendUnique(id, id);
+    positions.push_back(unit);
+    m_walk.clear();
+    walk(id, unit, m_walk, &done);
+    for (const int listed : m_walk) {
+        out.appendUnique(m_ids[std::size_t(listed)], m_ids[std::size_t(listed)]);
+        positions.push_back(listed);
     }
 }

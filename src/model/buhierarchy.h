@@ -59,6 +59,16 @@ public:
                       std::vector<char> *done = nullptr,
                       std::vector<int> *positions = nullptr) const;
 
+    /// Whether some unit's id holds a comma, and so lists as its pieces.
+    [[nodiscard]] bool hasPiecedIds() const { return m_anyPieced; }
+    /// appendIdList() for a unit known by its position, with done and positions, where no unit's
+    /// id holds a comma (hasPiecedIds() is false) and out holds only keys that earlier calls of
+    /// this one with the same done added: every key added is then new, and goes in unchecked
+    /// (OrderedDict::appendUnique), which for the aggregate of thousands of units saves hashing
+    /// every id.
+    void appendUnitIdList(int unit, OrderedDict<QString> &out, std::vector<char> &done,
+                          std::vector<int> &positions) const;
+
 private:
     /// start is the position of id, or -1 when id is no unit.
     void walk(QStringView id, int start, std::vector<int> &out, std::vector<char> *done) const;
@@ -73,6 +83,7 @@ private:
 
     std::vector<QString> m_ids;
     std::vector<char> m_pieced; // whether the id holds a comma, and so lists as its pieces
+    bool m_anyPieced = false;
     std::vector<QString> m_parents;
     std::vector<int> m_parentIndex;
     OrderedDict<int> m_unitIndex{KeyCompare::Exact};  // id -> unit position

@@ -362,10 +362,22 @@ StringSet cDLVController::GetAggregateBUList(std::vector<const BusinessUnit *> *
             const BUHierarchy &hierarchy = Hierarchy();
             std::vector<char> done(std::size_t(hierarchy.count()), 0);
             std::vector<int> positions;
-            for (int i = 0; i < count; ++i) {
+            // When every chosen id is a unit and no unit's id holds a comma, the list holds the
+            // walks' units alone, each once: it is built without checking its keys.
+            std::vector<int> starts;
+            bool unitsOnly = !hierarchy.hasPiecedIds();
+            for (int i = 0; i < count && unitsOnly; ++i) {
+                if (m_surface->buListSelected(i)) {
+                    starts.push_back(hierarchy.indexOf(m_surface->buListId(i)));
+                    unitsOnly = starts.back() >= 0;
+                }
+            }
+            for (int i = 0; i < count && !unitsOnly; ++i) {
                 if (m_surface->buListSelected(i))
                     hierarchy.appendIdList(m_surface->buListId(i), ids, &done, &positions);
             }
+            for (std::size_t k = 0; unitsOnly && k < starts.size(); ++k)
+                hierarchy.appendUnitIdList(starts[k], ids, done, positions);
             m_keptAggregate = KeptList{revision, m_parentEpoch, ids, std::move(positions)};
         }
         ids = m_keptAggregate.ids;

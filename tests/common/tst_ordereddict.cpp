@@ -131,6 +131,62 @@ TEST(OrderedDict, RemovalKeepsOrderAndIndexesConsistent)
     EXPECT_FALSE(d.contains(u"key1"));
 }
 
+// Keys appended unchecked join the index at the next lookup, whatever comes first: a lookup, an
+// add, a removal, a reservation or a copy. A key left out of the index would be missed or added
+// twice.
+TEST(OrderedDict, UncheckedAppendsJoinTheIndexAtTheNextLookup)
+{
+    const struct
+    {
+        const char *name;
+        std::function<void(OrderedDict<int> &)> first;
+    } firsts[] = {
+        {"lookup", [](OrderedDict<int> &) {}},
+        {"reserve", [](OrderedDict<int> &d) { d.reserve(d.count() * 3); }},
+        {"copy and add to it",
+         [](OrderedDict<int> &d) {
+             OrderedDict<int> copy = d;
+             EXPECT_TRUE(copy.sharesWith(d));
+             copy.add(QStringLiteral("extra"), -1);
+             EXPECT_FALSE(copy.sharesWith(d));
+             EXPECT_EQ(copy.indexOf(u"k1"), 1);
+         }},
+        {"add present",
+         [](OrderedDict<int> &d) { EXPECT_THROW(d.add(QStringLiteral("K0"), 0), DLVError); }},
+        {"addIfAbsent present",
+         [](OrderedDict<int> &d) { EXPECT_FALSE(d.addIfAbsent(QStringLiteral("k2"), 0)); }},
+        {"remove",
+         [](OrderedDict<int> &d) {
+             const qsizetype n = d.count();
+             ASSERT_TRUE(d.remove(u"k0"));
+             d.add(QStringLiteral("k0"), 0); // back at the end
+             ASSERT_EQ(d.count(), n);
+         }},
+    };
+    for (const int n : {3, 9, 40, 3000}) {
+        for (const auto &f : firsts) {
+            SCOPED_TRACE(std::string(f.name) + " " + std::to_string(n));
+            OrderedDict<int> d(KeyCompare::CaseInsensitive);
+            for (int i = 0; i < n; ++i) {
+                // Checked and unchecked adds in turn: the index holds some keys already.
+                if (i % 7 == 3)
+                    d.add(QStringLiteral("k%1").arg(i), i);
+                else
+                    d.appendUnique(QStringLiteral("k%1").arg(i), i);
+            }
+            f.first(d);
+            for (int i = 0; i < n; ++i) {
+                const qsizetype at = d.indexOf(QStringLiteral("K%1").arg(i));
+                ASSERT_GE(at, 0) << i;
+                EXPECT_EQ(d.at(at).value, i);
+            }
+            EXPECT_FALSE(d.contains(u"k-1"));
+            EXPECT_FALSE(d.addIfAbsent(QStringLiteral("K1"), 0));
+            EXPECT_TRUE(d.addIfAbsent(QStringLiteral("new"), 0));
+        }
+    }
+}
+
 } // namespace
 
 // Copies share their contents until one changes: a change through any path (add, set, remove,
