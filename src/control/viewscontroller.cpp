@@ -47,6 +47,7 @@ void ViewsController::release()
     m_sessionPositions = KeptPositions();
     m_listedPositions = KeptPositions();
     m_unitOfRow.clear();
+    m_writtenRows = WrittenRows();
 }
 
 void ViewsController::writePanel(const PanelValues &panel)
@@ -157,7 +158,7 @@ void ViewsController::fillHierarchyGrids(const BusinessUnits &bus)
         const UnitLookups lookups = m_dlv->Lookups();
         m_selectionPositions.update(m_currentSelection, lookups.hierarchy, lookups.epoch);
         HierarchyGrid::Fill(views.grid(1), views.grid(2), lookups, bus, m_currentSelection,
-                            m_selectionPositions.positions(), &m_unitOfRow);
+                            m_selectionPositions.positions(), &m_unitOfRow, &m_writtenRows);
         views.FitGridHeight(1);
         views.FitGridHeight(2);
         if (m_hierarchyFilled) {

@@ -2,6 +2,7 @@
 
 #include "common/ordereddict.h"
 #include "model/keptpositions.h"
+#include "views/hierarchygrid.h"
 
 #include <QObject>
 #include <QStringList>
@@ -128,4 +129,5 @@ private:
     KeptPositions m_sessionPositions;
     KeptPositions m_listedPositions;
     std::vector<int> m_unitOfRow;
+    WrittenRows m_writtenRows; // what the last hierarchy fill wrote
 };

@@ -385,10 +385,14 @@ std::vector<RowFigures> rowFigures(const OutlineGrid &workOrders, const UnitLook
 // an empty grey row where no selected unit reaches; without figures (a fill that failed), empty
 // rows without colour. Rows kept from the previous fill then change only where a value changes.
 void writeRows(OutlineGrid &grid, const std::vector<RowFigures> *figures,
-               std::array<qint32, StatusCount> RowFigures::*counts)
+               std::array<qint32, StatusCount> RowFigures::*counts,
+               const std::vector<char> &asLeft = {})
 {
     const QColor grey = OutlineGrid::fromBgr(HierarchyGrid::UnreachedBgr);
     for (int row = grid.fixedRows(); row < grid.rowCount(); ++row) {
+        if (std::size_t(row) < asLeft.size() && asLeft[std::size_t(row)])
+            continue;
+        grid.setBold(row, 0, row, 0, true);
         const RowFigures *f = figures ? &(*figures)[std::size_t(row)] : nullptr;
         if (f && f->reached) {
             writeFigures(grid, row, *f, f->*counts);
@@ -448,7 +452,8 @@ void fillUnitByUnit(std::vector<RowFigures> &figures, const OutlineGrid &workOrd
 
 void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const UnitLookups &lookups,
                          const BusinessUnits &bus, const StringSet &selection,
-                         std::span<const int> selectionPositions, std::vector<int> *unitOfRow)
+                         std::span<const int> selectionPositions, std::vector<int> *unitOfRow,
+                         WrittenRows *written)
 {
     if (unitOfRow)
         unitOfRow->clear();
@@ -464,8 +469,8 @@ void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const Uni
             grid->setRowCount(2);
             grid->appendTree(nodes, layout, 0, 0);
         }
-        if (grid->rowCount() > 1)
-            grid->setBold(1, 0, grid->rowCount() - 1, 0, true);
+        if (grid->rowCount() > 1) // the data rows' tree texts go bold with their figures
+            grid->setBold(1, 0, 1, 0, true);
     }
     // Each unit's row, when the lookups are aligned (a position is then a hierarchy index too):
     // the sums find the chosen units' rows without looking their ids up in the grid.
@@ -491,10 +496,56 @@ void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const Uni
     try {
         figures = rowFigures(workOrders, lookups, bus, selection, selectionPositions, rowOfUnit);
     } catch (...) {
+        if (written)
+            *written = WrittenRows();
         writeRows(workOrders, nullptr, &RowFigures::workOrders);
         writeRows(points, nullptr, &RowFigures::points);
         throw;
     }
-    writeRows(workOrders, &figures, &RowFigures::workOrders);
-    writeRows(points, &figures, &RowFigures::points);
+    if (!written) {
+        writeRows(workOrders, &figures, &RowFigures::workOrders);
+        writeRows(points, &figures, &RowFigures::points);
+        return;
+    }
+    // Rows whose figures are those the last fill wrote, in both grids as it left them.
+    const std::size_t rows = figures.size();
+    const auto packed = [](const RowFigures &f) {
+        std::array<qint32, WrittenRows::Figures> out{};
+        out[0] = f.techCount;
+        out[1] = f.hoursRemaining;
+        out[2] = f.hoursWorked;
+        std::copy(f.workOrders.begin(), f.workOrders.end(), out.begin() + 3);
+        std::copy(f.points.begin(), f.points.end(), out.begin() + 3 + StatusCount);
+        out[WrittenRows::Figures - 1] = f.reached;
+        return out;
+    };
+    const bool alike = std::size_t(points.rowCount()) == rows; // one tree in both grids
+    if (written->m_figures.size() != rows || written->m_cells[0].size() != rows ||
+        written->m_cells[1].size() != rows || !alike) {
+        *written = WrittenRows();
+        written->m_figures.resize(rows);
+        written->m_cells[0].resize(rows);
+        written->m_cells[1].resize(rows);
+    }
+    std::vector<char> asLeft(rows, 0);
+    for (std::size_t row = std::size_t(workOrders.fixedRows()); alike && row < rows; ++row) {
+        asLeft[row] = written->m_figures[row] == packed(figures[row]) &&
+                      workOrders.unchangedSince(int(row), written->m_cells[0][row]) &&
+                      points.unchangedSince(int(row), written->m_cells[1][row]);
+    }
+    try {
+        writeRows(workOrders, &figures, &RowFigures::workOrders, asLeft);
+        writeRows(points, &figures, &RowFigures::points, asLeft);
+    } catch (...) {
+        *written = WrittenRows(); // rows written part way must not pass for written
+        throw;
+    }
+    // Rows passed over keep their memory: the same figures, the same cells.
+    for (std::size_t row = 0; alike && row < rows; ++row) {
+        if (asLeft[row])
+            continue;
+        written->m_figures[row] = packed(figures[row]);
+        written->m_cells[0][row] = workOrders.rowCells(int(row));
+        written->m_cells[1][row] = points.rowCells(int(row));
+    }
 }

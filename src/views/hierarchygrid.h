@@ -4,6 +4,7 @@
 #include "views/outlinegrid.h"
 
 #include <QString>
+#include <array>
 #include <functional>
 #include <span>
 #include <vector>
@@ -30,6 +31,17 @@ struct UnitLookups;
 /// in its own subtree at the time of its move (it is its own parent, or the move would close a
 /// cycle through units moved under it before) cannot be moved there and also stays under the
 /// root, with the units already moved under it.
+/// What a hierarchy fill wrote into the rows of both grids: each row's figures, and its cells in
+/// either grid as the fill left them (OutlineGrid::RowCells). A refresh mostly changes few rows;
+/// the next fill with it passes over the others without reading a cell.
+class WrittenRows
+{
+    friend class HierarchyGrid;
+    static constexpr int Figures = 18; // technicians, two hours, 2 x 7 counts, reached
+    std::vector<std::array<qint32, Figures>> m_figures;
+    std::array<std::vector<OutlineGrid::RowCells>, 2> m_cells;
+};
+
 class HierarchyGrid
 {
 public:
@@ -63,6 +75,8 @@ public:
     /// below it that the model holds: a unit below several selected rows counts once in each of
     /// them. Throws DLVError (6 when a sum leaves the 32-bit range; the grids
     /// then hold the tree without figures).
+    /// written, when given, is what the last fill with it wrote: a row whose figures are the same
+    /// and that no one wrote since is passed over without reading its cells.
     /// selectionPositions, when given, holds each selected id's hierarchy position or -1, in the
     /// selection's order (KeptPositions), so that the ids need not be looked up. unitOfRow, when
     /// given, receives the hierarchy position of the unit each row of the work-order grid shows
@@ -70,5 +84,5 @@ public:
     static void Fill(OutlineGrid &workOrders, OutlineGrid &points, const UnitLookups &lookups,
                      const BusinessUnits &bus, const StringSet &selection,
                      std::span<const int> selectionPositions = {},
-                     std::vector<int> *unitOfRow = nullptr);
+                     std::vector<int> *unitOfRow = nullptr, WrittenRows *written = nullptr);
 };

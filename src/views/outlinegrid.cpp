@@ -529,6 +529,22 @@ QColor OutlineGrid::fromBgr(quint32 bgr)
     return QColor(int(bgr & 0xFF), int((bgr >> 8) & 0xFF), int((bgr >> 16) & 0xFF));
 }
 
+OutlineGrid::RowCells OutlineGrid::rowCells(int row) const
+{
+    checkRow(row);
+    RowCells taken;
+    taken.m_cells = m_rows[size_t(row)].cells;
+    return taken;
+}
+
+bool OutlineGrid::unchangedSince(int row, const RowCells &taken) const
+{
+    checkRow(row);
+    // A row without cells has no block to share: it proves nothing.
+    return !taken.m_cells.isEmpty() &&
+           m_rows[size_t(row)].cells.constData() == taken.m_cells.constData();
+}
+
 const QString &OutlineGrid::rowData(int row) const
 {
     checkRow(row);

@@ -176,6 +176,13 @@ public:
     [[nodiscard]] static QColor fromBgr(quint32 bgr);
 
     [[nodiscard]] const QString &rowData(int row) const;
+
+    /// A row's cells as they stood when taken, shared with the grid. While it is held, any write
+    /// to the row copies the row's cells first, so unchangedSince() tells without reading a cell
+    /// that no one wrote the row since: a fill that keeps what it wrote passes over such rows.
+    class RowCells;
+    [[nodiscard]] RowCells rowCells(int row) const;
+    [[nodiscard]] bool unchangedSince(int row, const RowCells &taken) const;
     void setRowData(int row, const QString &data);
     /// The first data row (from fixedRows()) whose row data equals key exactly, or -1. An empty key
     /// matches nothing.
@@ -402,4 +409,10 @@ private:
     mutable bool m_indexDirty = true;
     mutable std::vector<bool> m_visible;
     mutable bool m_visibleDirty = true;
+};
+
+class OutlineGrid::RowCells
+{
+    friend class OutlineGrid;
+    QList<Cell> m_cells;
 };

@@ -68,10 +68,11 @@ struct HierarchyFill
         HierarchyGrid::InitBUHierarchyGrid(workOrders, 1, caption, 15);
         HierarchyGrid::InitBUHierarchyGrid(points, 2, caption, 15);
     }
-    void fill(LoadedModel &model, const QStringList &selection)
+    /// written: the memory of what the last fill wrote, as the control keeps it.
+    void fill(LoadedModel &model, const QStringList &selection, WrittenRows *written = nullptr)
     {
         HierarchyGrid::Fill(workOrders, points, model.controller.Lookups(), model.controller.BUs(),
-                            ids(selection));
+                            ids(selection), {}, nullptr, written);
     }
     OutlineGrid workOrders;
     OutlineGrid points;
