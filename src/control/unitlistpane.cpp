@@ -91,9 +91,20 @@ void UnitListPane::fill(std::vector<BUSelection::Item> items,
                SharedText::equal(a.text, b.text);
     };
     const bool sameItems =
-        !m_widgets.empty() &&
         std::equal(items.begin(), items.end(), m_items.begin(), m_items.end(), sameItem);
     m_items = std::move(items);
+    show(sameItems, keep);
+}
+
+void UnitListPane::refill(const std::function<bool(std::vector<BUSelection::Item> &)> &update,
+                          const std::function<bool(const BUSelection::Item &)> &keep)
+{
+    show(!update(m_items), keep);
+}
+
+void UnitListPane::show(bool sameItems, const std::function<bool(const BUSelection::Item &)> &keep)
+{
+    sameItems = sameItems && !m_widgets.empty();
     m_parents = BUSelection::treeParents(m_items);
     std::vector<char> chosen;
     chosen.reserve(m_items.size());

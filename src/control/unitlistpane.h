@@ -40,6 +40,11 @@ public:
     void fill(std::vector<BUSelection::Item> items,
               const std::function<bool(const BUSelection::Item &)> &keep);
 
+    /// Brings the items up to date in place through update, which tells whether it changed any
+    /// (BUSelection::updateItems); otherwise as fill().
+    void refill(const std::function<bool(std::vector<BUSelection::Item> &)> &update,
+                const std::function<bool(const BUSelection::Item &)> &keep);
+
     /// The items of the last fill, in list order.
     [[nodiscard]] const std::vector<BUSelection::Item> &items() const { return m_items; }
     [[nodiscard]] int count() const;
@@ -60,6 +65,9 @@ public:
     void layout(const QRect &area);
 
 private:
+    /// The fill's work once the items are in place: the choice, the widgets (kept when the
+    /// items are the same) and the selection.
+    void show(bool sameItems, const std::function<bool(const BUSelection::Item &)> &keep);
     void rebuild();
     /// Selects the widgets of the chosen units, in one selection change.
     void showChoice();

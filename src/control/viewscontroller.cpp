@@ -48,6 +48,7 @@ void ViewsController::release()
     m_listedPositions = KeptPositions();
     m_unitOfRow.clear();
     m_writtenRows = WrittenRows();
+    m_listEpoch = 0;
 }
 
 void ViewsController::writePanel(const PanelValues &panel)
@@ -188,17 +189,21 @@ void ViewsController::LoadBUListView()
     const UnitLookups lookups = m_dlv->Lookups();
     m_sessionPositions.update(session, lookups.hierarchy, lookups.epoch);
     m_listedPositions.update(kept, lookups.hierarchy, lookups.epoch);
-    std::vector<BUSelection::Item> items =
-        BUSelection::listItems(m_parts.views.grid(1), session, m_parts.unitList.items(),
-                               {m_unitOfRow, &lookups.hierarchy, m_sessionPositions.members()});
+    const KnownRows known{m_unitOfRow, &lookups.hierarchy, m_sessionPositions.members(),
+                          m_listEpoch == lookups.epoch};
+    m_listEpoch = lookups.epoch;
     // An item whose unit the rows told is kept by position; kept holds exact ids as the
     // hierarchy does, so both answers agree.
     const std::span<const char> keptUnits = m_listedPositions.members();
-    m_parts.unitList.fill(std::move(items), [&](const BUSelection::Item &item) {
-        return item.unit >= 0 && std::size_t(item.unit) < keptUnits.size()
-                   ? keptUnits[std::size_t(item.unit)] != 0
-                   : kept.contains(QStringView(item.key).mid(1));
-    });
+    m_parts.unitList.refill(
+        [&](std::vector<BUSelection::Item> &items) {
+            return BUSelection::updateItems(m_parts.views.grid(1), session, items, known);
+        },
+        [&](const BUSelection::Item &item) {
+            return item.unit >= 0 && std::size_t(item.unit) < keptUnits.size()
+                       ? keptUnits[std::size_t(item.unit)] != 0
+                       : kept.contains(QStringView(item.key).mid(1));
+        });
 }
 
 void ViewsController::cmdView_Click()

@@ -130,4 +130,5 @@ private:
     KeptPositions m_listedPositions;
     std::vector<int> m_unitOfRow;
     WrittenRows m_writtenRows; // what the last hierarchy fill wrote
+    quint64 m_listEpoch = 0;   // the unit lookups' epoch when the unit list was last made
 };

@@ -10,6 +10,14 @@ std::vector<BUSelection::Item> BUSelection::listItems(const OutlineGrid &workOrd
                                                       const std::vector<Item> &previous,
                                                       const KnownRows &known)
 {
+    std::vector<Item> items = previous;
+    updateItems(workOrderGrid, sessionBUs, items, known);
+    return items;
+}
+
+bool BUSelection::updateItems(const OutlineGrid &workOrderGrid, const StringSet &sessionBUs,
+                              std::vector<Item> &items, const KnownRows &known)
+{
     // The unit a row shows, when the fill said so and the row still shows that unit's id.
     const auto knownUnit = [&](int row, const QString &id) {
         const int unit =
@@ -20,8 +28,8 @@ std::vector<BUSelection::Item> BUSelection::listItems(const OutlineGrid &workOrd
                    ? unit
                    : -1;
     };
-    std::vector<Item> items;
-    items.reserve(previous.size());
+    bool changed = false;
+    std::size_t at = 0;
     for (int row = 2; row < workOrderGrid.rowCount(); ++row) {
         const QString &id = workOrderGrid.rowData(row);
         // The root row stands for the whole tree, not for a unit the user can pick, even when a
@@ -31,12 +39,39 @@ std::vector<BUSelection::Item> BUSelection::listItems(const OutlineGrid &workOrd
         const int unit = knownUnit(row, id);
         if (unit >= 0 ? !known.sessionMembers[std::size_t(unit)] : !sessionBUs.contains(id))
             continue;
-        const std::size_t at = items.size();
-        const bool again = at < previous.size() && QStringView(previous[at].key).mid(1) == id;
-        items.push_back(Item{again ? previous[at].key : QStringLiteral("_") + id,
-                             workOrderGrid.text(row, 0), workOrderGrid.outlineLevel(row), unit});
+        const QString &text = workOrderGrid.text(row, 0);
+        const int level = workOrderGrid.outlineLevel(row);
+        if (at == items.size()) {
+            items.push_back(Item{QStringLiteral("_") + id, text, level, unit});
+            changed = true;
+            ++at;
+            continue;
+        }
+        // The item at this place is for the same unit: by position when the items come from
+        // the same lookups, else by its key. An item that stays as it was touches no string.
+        Item &item = items[at++];
+        const bool sameUnit = known.previousAlike && unit >= 0 && item.unit >= 0
+                                  ? item.unit == unit
+                                  : QStringView(item.key).mid(1) == id;
+        if (!sameUnit) {
+            item.key = QStringLiteral("_") + id;
+            changed = true;
+        }
+        if (!SharedText::equal(item.text, text)) {
+            item.text = text;
+            changed = true;
+        }
+        if (item.level != level) {
+            item.level = level;
+            changed = true;
+        }
+        item.unit = unit;
     }
-    return items;
+    if (at != items.size()) {
+        items.resize(at);
+        changed = true;
+    }
+    return changed;
 }
 
 std::vector<int> BUSelection::treeParents(const std::vector<Item> &items)

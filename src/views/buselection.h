@@ -18,6 +18,9 @@ struct KnownRows
     std::span<const int> unitOfRow;
     const BUHierarchy *hierarchy = nullptr;
     std::span<const char> sessionMembers;
+    /// Whether the last list (listItems' previous) was made with the same unit lookups, so that
+    /// its items' units are positions in the same hierarchy.
+    bool previousAlike = false;
 };
 
 /// The rules behind the unit list lvBU and the View button, without widgets: which units the list
@@ -45,6 +48,13 @@ public:
                                                      const StringSet &sessionBUs,
                                                      const std::vector<Item> &previous = {},
                                                      const KnownRows &known = {});
+
+    /// listItems() in place: items, the last list made, becomes the new one. An item for the same
+    /// unit with the same description and level stays as it was, so that an unchanged list of
+    /// thousands of units touches no string (a copy of one counts a reference in its block, a
+    /// cache miss apiece). Returns whether any item changed (beyond the units it tells).
+    static bool updateItems(const OutlineGrid &workOrderGrid, const StringSet &sessionBUs,
+                            std::vector<Item> &items, const KnownRows &known = {});
 
     /// For the list shown as a tree: each item's parent item, the nearest item above it in the
     /// list with a lower level (a unit whose listed ancestors are all outside the session hangs

@@ -296,6 +296,46 @@ TEST(HierarchyGridTree, DirectBuildMatchesTheStepByStepProcedureOnRandomData)
                 ASSERT_TRUE(known[i].unit == unit || (told == &shifted && known[i].unit == -1));
             }
         }
+
+        // In place, from the last list made with the same lookups: an unchanged list keeps every
+        // string and says so; a list for another session ends as one made afresh and says
+        // whether it changed.
+        const KnownRows sameLookups{unitOfRow, &lookups.hierarchy, sessionAt.members(), true};
+        std::vector<BUSelection::Item> inPlace =
+            BUSelection::listItems(byPosition.workOrders, session, {}, sameLookups);
+        const std::vector<BUSelection::Item> before = inPlace;
+        ASSERT_FALSE(
+            BUSelection::updateItems(byPosition.workOrders, session, inPlace, sameLookups));
+        for (std::size_t i = 0; i < inPlace.size(); ++i) {
+            ASSERT_EQ(inPlace[i].key.constData(), before[i].key.constData());
+            ASSERT_EQ(inPlace[i].text.constData(), before[i].text.constData());
+        }
+        StringSet other(KeyCompare::Exact);
+        for (const QString &id : units) {
+            if (random.bounded(3) != 0)
+                other.add(id, id);
+        }
+        KeptPositions otherAt;
+        otherAt.update(other, lookups.hierarchy, lookups.epoch);
+        const bool changed =
+            BUSelection::updateItems(byPosition.workOrders, other, inPlace,
+                                     {unitOfRow, &lookups.hierarchy, otherAt.members(), true});
+        const auto afresh = BUSelection::listItems(byPosition.workOrders, other);
+        const auto line = [](const BUSelection::Item &item) {
+            return QStringLiteral("%1 %2 %3")
+                .arg(item.key, item.text)
+                .arg(item.level)
+                .toStdString();
+        };
+        std::vector<std::string> inPlaceLines, afreshLines, beforeLines;
+        for (const auto &item : inPlace)
+            inPlaceLines.push_back(line(item));
+        for (const auto &item : afresh)
+            afreshLines.push_back(line(item));
+        for (const auto &item : before)
+            beforeLines.push_back(line(item));
+        ASSERT_EQ(inPlaceLines, afreshLines);
+        ASSERT_EQ(changed, afreshLines != beforeLines);
     }
 }
 
