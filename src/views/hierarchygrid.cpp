@@ -249,35 +249,47 @@ std::vector<OutlineGrid::TreeNode> HierarchyGrid::BuildTree(const UnitLookups &l
 
 namespace {
 
-/// One unit's figures in the order of RowFigures, wide enough for any sum of 32-bit values.
-struct WideFigures
+/// One unit's or subtree's figures in the order of RowFigures. Figures are never negative here,
+/// so a sum is 32 bits wide and stops at Capped once it leaves the 32-bit range: half the memory
+/// of 64-bit sums, which for tens of thousands of units is what the sums' time goes by.
+struct SubtreeFigures
 {
     static constexpr int Count = 3 + 2 * StatusCount;
-    std::array<qint64, Count> v{};
+    static constexpr quint32 Capped = 0x80000000u; // INT32_MAX + 1: no figure reaches it
+    std::array<quint32, Count> v{};
     bool reached = false;
 
-    void add(const WideFigures &o)
+    void add(const SubtreeFigures &o)
     {
-        for (int i = 0; i < Count; ++i)
-            v[std::size_t(i)] += o.v[std::size_t(i)];
+        // Both at most Capped: the sum wraps only past 2^32 - 1, and then it is below either.
+        for (int i = 0; i < Count; ++i) {
+            const quint32 sum = v[std::size_t(i)] + o.v[std::size_t(i)];
+            v[std::size_t(i)] = sum < v[std::size_t(i)] || sum > Capped ? Capped : sum;
+        }
         reached = reached || o.reached;
     }
     /// The unit's own figures; false when one is negative.
     bool assign(const BusinessUnit &bu)
     {
-        v[0] = bu.TechCount();
-        v[1] = bu.HoursRemaining();
-        v[2] = bu.HoursWorked();
+        std::array<qint32, Count> own{};
+        own[0] = bu.TechCount();
+        own[1] = bu.HoursRemaining();
+        own[2] = bu.HoursWorked();
         const auto &totals = bu.GrandTotals();
         for (int s = 0; s < 2 * StatusCount; ++s)
-            v[std::size_t(3 + s)] = totals[std::size_t(s)];
+            own[std::size_t(3 + s)] = totals[std::size_t(s)];
         reached = true;
-        return std::all_of(v.begin(), v.end(), [](qint64 x) { return x >= 0; });
+        for (int i = 0; i < Count; ++i) {
+            if (own[std::size_t(i)] < 0)
+                return false;
+            v[std::size_t(i)] = quint32(own[std::size_t(i)]);
+        }
+        return true;
     }
-    /// As RowFigures; false when a sum leaves the 32-bit range.
+    /// As RowFigures; false when a sum left the 32-bit range.
     bool narrow(RowFigures &f) const
     {
-        if (std::any_of(v.begin(), v.end(), [](qint64 x) { return x > INT32_MAX; }))
+        if (std::any_of(v.begin(), v.end(), [](quint32 x) { return x >= Capped; }))
             return false;
         f.techCount = qint32(v[0]);
         f.hoursRemaining = qint32(v[1]);
@@ -301,14 +313,9 @@ bool fillBottomUp(std::vector<RowFigures> &figures, const OutlineGrid &workOrder
 {
     const BUHierarchy &hierarchy = lookups.hierarchy;
     const int n = hierarchy.count();
-    std::vector<WideFigures> sums(static_cast<std::size_t>(n));
-    for (int u = 0; u < n; ++u) {
-        if (const BusinessUnit *bu = lookups.units[std::size_t(u)]) {
-            if (!sums[std::size_t(u)].assign(*bu))
-                return false;
-        }
-    }
-    // Parents before children; a unit that no top reaches lies on a cycle.
+    // Parents before children, each unit's children one run: the sums are kept in this order,
+    // so that the bottom-up pass reads them one after the other. A unit that no top reaches
+    // lies on a cycle.
     std::vector<int> order;
     order.reserve(std::size_t(n));
     for (int u = 0; u < n; ++u) {
@@ -316,18 +323,31 @@ bool fillBottomUp(std::vector<RowFigures> &figures, const OutlineGrid &workOrder
         if (parent < 0 || parent == u)
             order.push_back(u);
     }
+    // The children of order[k] come after those of order[k - 1] (after the tops for the first).
+    const int tops = int(order.size());
+    std::vector<int> childrenEnd(static_cast<std::size_t>(n));
     for (std::size_t i = 0; i < order.size(); ++i) {
         for (const int child : hierarchy.childrenOf(order[i]))
             order.push_back(child);
+        childrenEnd[i] = int(order.size());
     }
     if (int(order.size()) != n)
         return false;
-    for (auto it = order.rbegin(); it != order.rend(); ++it) {
-        for (const int child : hierarchy.childrenOf(*it))
-            sums[std::size_t(*it)].add(sums[std::size_t(child)]);
+    std::vector<int> placeOf(static_cast<std::size_t>(n));
+    std::vector<SubtreeFigures> sums(static_cast<std::size_t>(n));
+    for (std::size_t k = 0; k < order.size(); ++k) {
+        placeOf[std::size_t(order[k])] = int(k);
+        if (const BusinessUnit *bu = lookups.units[std::size_t(order[k])]) {
+            if (!sums[k].assign(*bu))
+                return false;
+        }
+    }
+    for (std::size_t k = order.size(); k-- > 0;) {
+        for (int c = k > 0 ? childrenEnd[k - 1] : tops; c < childrenEnd[k]; ++c)
+            sums[k].add(sums[std::size_t(c)]);
     }
 
-    std::vector<WideFigures> rows(figures.size());
+    std::vector<SubtreeFigures> rows(figures.size());
     const bool positioned = qsizetype(positions.size()) == selection.count();
     for (qsizetype k = 0; k < selection.count(); ++k) {
         const auto &entry = selection.at(k);
@@ -336,18 +356,18 @@ bool fillBottomUp(std::vector<RowFigures> &figures, const OutlineGrid &workOrder
                                                         : workOrders.findRow(entry.key);
         if (row < 0)
             continue;
-        WideFigures &f = rows[std::size_t(row)];
+        SubtreeFigures &f = rows[std::size_t(row)];
         if (unit >= 0) {
-            f.add(sums[std::size_t(unit)]);
+            f.add(sums[std::size_t(placeOf[std::size_t(unit)])]);
             continue;
         }
         // Not a unit of the tree (the root mark, say): its own figures and its children's.
-        WideFigures own;
+        SubtreeFigures own;
         if (const BusinessUnit *bu = bus.Item(entry.key); bu && !own.assign(*bu))
             return false;
         f.add(own);
         for (const int child : hierarchy.children(entry.key))
-            f.add(sums[std::size_t(child)]);
+            f.add(sums[std::size_t(placeOf[std::size_t(child)])]);
     }
     for (std::size_t row = 0; row < rows.size(); ++row) {
         if (rows[row].reached && !rows[row].narrow(figures[row]))
