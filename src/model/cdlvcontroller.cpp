@@ -110,6 +110,7 @@ void cDLVController::Initialize(DLVSurface *surface)
     m_surface = surface;
     m_keptChosen = KeptList();
     m_keptAggregate = KeptList();
+    m_keptListUnits = KeptListUnits();
 }
 
 void cDLVController::Release()
@@ -321,6 +322,22 @@ UnitLookups cDLVController::Lookups() const
     return {m_buDescriptions, m_parentBUIDs, hierarchy, kept.units, kept.aligned, m_parentEpoch};
 }
 
+const std::vector<int> &cDLVController::ListPositions() const
+{
+    const quint64 revision = m_surface->buListItemsRevision();
+    KeptListUnits &kept = m_keptListUnits;
+    if (revision == 0 || revision != kept.itemsRevision || kept.epoch != m_parentEpoch) {
+        const BUHierarchy &hierarchy = Hierarchy();
+        const int count = m_surface->buListCount();
+        kept.positions.resize(std::size_t(std::max(count, 0)));
+        for (int i = 0; i < count; ++i)
+            kept.positions[std::size_t(i)] = hierarchy.indexOf(m_surface->buListId(i));
+        kept.itemsRevision = revision;
+        kept.epoch = m_parentEpoch;
+    }
+    return kept.positions;
+}
+
 StringSet cDLVController::GetBUList()
 {
     StringSet ids(KeyCompare::Exact);
@@ -333,11 +350,24 @@ StringSet cDLVController::GetBUList()
             return;
         }
         const int count = m_surface->buListCount();
+        // A unit's id goes in once, found by the bitmap of units listed so far instead of the
+        // list's index; an id that is no unit is never a unit's, so only those need the index.
+        const BUHierarchy &hierarchy = Hierarchy();
+        const std::vector<int> &listed = ListPositions();
+        std::vector<char> seen(std::size_t(hierarchy.count()), 0);
         for (int i = 0; i < count; ++i) {
             if (!m_surface->buListSelected(i))
                 continue;
+            const int unit = std::size_t(i) < listed.size() ? listed[std::size_t(i)] : -1;
+            if (unit >= 0 && seen[std::size_t(unit)])
+                continue;
             const QString id = m_surface->buListId(i);
-            ids.addIfAbsent(id, id);
+            if (unit >= 0) {
+                seen[std::size_t(unit)] = 1;
+                ids.appendUnique(id, id);
+            } else {
+                ids.addIfAbsent(id, id);
+            }
         }
         m_keptChosen = KeptList{revision, 0, ids, {}};
     });
@@ -364,11 +394,12 @@ StringSet cDLVController::GetAggregateBUList(std::vector<const BusinessUnit *> *
             std::vector<int> positions;
             // When every chosen id is a unit and no unit's id holds a comma, the list holds the
             // walks' units alone, each once: it is built without checking its keys.
+            const std::vector<int> &listed = ListPositions();
             std::vector<int> starts;
-            bool unitsOnly = !hierarchy.hasPiecedIds();
+            bool unitsOnly = !hierarchy.hasPiecedIds() && int(listed.size()) == count;
             for (int i = 0; i < count && unitsOnly; ++i) {
                 if (m_surface->buListSelected(i)) {
-                    starts.push_back(hierarchy.indexOf(m_surface->buListId(i)));
+                    starts.push_back(listed[std::size_t(i)]);
                     unitsOnly = starts.back() >= 0;
                 }
             }

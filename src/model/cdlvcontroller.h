@@ -163,5 +163,17 @@ private:
         bool aligned = false;
     };
     mutable KeptUnits m_keptUnits;
+
+    /// The hierarchy position of every list item's id (-1: no unit), kept while the list's items
+    /// (their revision) and the unit lookups stay: a View asks for the chosen units anew, and
+    /// their ids need not be looked up again.
+    [[nodiscard]] const std::vector<int> &ListPositions() const;
+    struct KeptListUnits
+    {
+        quint64 itemsRevision = 0;
+        quint64 epoch = 0;
+        std::vector<int> positions;
+    };
+    mutable KeptListUnits m_keptListUnits;
     FillBusy m_busy;
 };

@@ -19,4 +19,7 @@ public:
     /// A number that changes whenever the list or its selection changes, so that the controller
     /// can keep the lists it computed from them; 0 when the surface cannot tell (nothing is kept).
     [[nodiscard]] virtual quint64 buListRevision() const { return 0; }
+    /// A number that changes whenever the list's items change, but not when only the selection
+    /// does; 0 when the surface cannot tell.
+    [[nodiscard]] virtual quint64 buListItemsRevision() const { return 0; }
 };

@@ -51,6 +51,7 @@ void ViewChoice::setUnits(std::vector<QString> keys, std::vector<char> chosen)
     m_chosen = std::move(chosen);
     m_chosen.resize(m_keys.size(), 0);
     ++m_revision;
+    ++m_itemsRevision;
     Q_EMIT unitsReset();
 }
 

@@ -55,6 +55,7 @@ public:
     /// a drill-down into a large subtree tests every id of it.
     [[nodiscard]] const QSet<QString> &idSet() const;
     [[nodiscard]] quint64 buListRevision() const override { return m_revision; }
+    [[nodiscard]] quint64 buListItemsRevision() const override { return m_itemsRevision; }
 
 Q_SIGNALS:
     /// The list was replaced.
@@ -72,5 +73,6 @@ private:
     std::vector<char> m_chosen;
     std::optional<bool> m_singleUnits;
     std::optional<bool> m_byWorkOrders;
-    quint64 m_revision = 1; // counts changes of the list and of the choice
+    quint64 m_revision = 1;      // counts changes of the list and of the choice
+    quint64 m_itemsRevision = 1; // counts changes of the list
 };

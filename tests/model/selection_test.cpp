@@ -103,7 +103,12 @@ TEST_F(SelectionTest, SelectedItemsGiveListAndAggregateSetsInListOrder)
     } rows[] = {{{{"H", true}, {"B", true}, {"A", false}}, "H B", "H B D G"},
                 {{{"C", true}, {"A", true}}, "C A", "C F A B D G"},
                 {{{"A", true}, {"C", true}}, "A C", "A B C D G F"},
-                {{{"Z", true}}, "Z", "Z"}};
+                {{{"Z", true}}, "Z", "Z"},
+                // A unit or a stranger listed twice counts once; a stranger never hides a unit.
+                {{{"B", true}, {"Z", true}, {"B", true}, {"Z", true}, {"b", true}, {"D", true}},
+                 "B Z b D",
+                 "B D G Z b"},
+                {{{"D", true}, {"B", true}, {"D", true}, {"A", false}}, "D B", "D G B"}};
     for (const auto &r : rows) {
         SCOPED_TRACE(r.buList);
         surface.items.clear();
