@@ -24,7 +24,7 @@ bool BUSelection::updateItems(const OutlineGrid &workOrderGrid, const StringSet 
             std::size_t(row) < known.unitOfRow.size() ? known.unitOfRow[std::size_t(row)] : -1;
         return unit >= 0 && known.hierarchy && unit < known.hierarchy->count() &&
                        std::size_t(unit) < known.sessionMembers.size() &&
-                       SharedText::equal(id, known.hierarchy->id(unit))
+                       (known.rowsAsTold || SharedText::equal(id, known.hierarchy->id(unit)))
                    ? unit
                    : -1;
     };

@@ -11,13 +11,17 @@ class OutlineGrid;
 
 /// What a hierarchy fill knows of the work-order grid's rows: the hierarchy position of each
 /// row's unit (HierarchyGrid::Fill's unitOfRow) and whether the session holds each position's
-/// unit (KeptPositions::members). A row is taken at its word only while it still shows that
-/// unit's own id, so a grid changed since the fill is looked up as before.
+/// unit (KeptPositions::members). A row is taken at its word while the grid's rows are as the
+/// fill left them, or else while it still shows that unit's own id: a grid changed since the fill
+/// is looked up as before.
 struct KnownRows
 {
     std::span<const int> unitOfRow;
     const BUHierarchy *hierarchy = nullptr;
     std::span<const char> sessionMembers;
+    /// Whether the grid's rows are still as the fill that told unitOfRow left them (no row
+    /// added, removed, moved or given other data since): the rows' units need no check then.
+    bool rowsAsTold = false;
     /// Whether the last list (listItems' previous) was made with the same unit lookups, so that
     /// its items' units are positions in the same hierarchy.
     bool previousAlike = false;

@@ -103,6 +103,7 @@ void OutlineGrid::beginStructure()
 
 void OutlineGrid::endStructure()
 {
+    ++m_shapeRevision;
     m_structureDirty = true;
     m_indexDirty = true;
     m_visibleDirty = true;
@@ -557,6 +558,7 @@ void OutlineGrid::setRowData(int row, const QString &data)
     QString &current = m_rows[size_t(row)].data;
     if (current == data)
         return;
+    ++m_shapeRevision;
     if (!m_indexDirty && row >= m_fixedRows) {
         // Keep the index valid for the usual append-then-name pattern; anything that might expose
         // a duplicate further down falls back to a lazy rebuild.

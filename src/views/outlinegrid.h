@@ -176,6 +176,9 @@ public:
     [[nodiscard]] static QColor fromBgr(quint32 bgr);
 
     [[nodiscard]] const QString &rowData(int row) const;
+    /// Changes whenever rows are added, removed or moved or a row's data changes: while it stays,
+    /// every row holds the data it held.
+    [[nodiscard]] quint64 shapeRevision() const noexcept { return m_shapeRevision; }
 
     /// A row's cells as they stood when taken, shared with the grid. While it is held, any write
     /// to the row copies the row's cells first, so unchangedSince() tells without reading a cell
@@ -407,6 +410,7 @@ private:
     mutable bool m_structureDirty = true;
     mutable QHash<QString, int> m_index;
     mutable bool m_indexDirty = true;
+    quint64 m_shapeRevision = 0;
     mutable std::vector<bool> m_visible;
     mutable bool m_visibleDirty = true;
 };

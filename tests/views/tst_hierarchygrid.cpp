@@ -300,7 +300,8 @@ TEST(HierarchyGridTree, DirectBuildMatchesTheStepByStepProcedureOnRandomData)
         // In place, from the last list made with the same lookups: an unchanged list keeps every
         // string and says so; a list for another session ends as one made afresh and says
         // whether it changed.
-        const KnownRows sameLookups{unitOfRow, &lookups.hierarchy, sessionAt.members(), true};
+        // The grid is as the fill left it: its rows' units are taken without a check.
+        const KnownRows sameLookups{unitOfRow, &lookups.hierarchy, sessionAt.members(), true, true};
         std::vector<BUSelection::Item> inPlace =
             BUSelection::listItems(byPosition.workOrders, session, {}, sameLookups);
         const std::vector<BUSelection::Item> before = inPlace;
@@ -317,9 +318,9 @@ TEST(HierarchyGridTree, DirectBuildMatchesTheStepByStepProcedureOnRandomData)
         }
         KeptPositions otherAt;
         otherAt.update(other, lookups.hierarchy, lookups.epoch);
-        const bool changed =
-            BUSelection::updateItems(byPosition.workOrders, other, inPlace,
-                                     {unitOfRow, &lookups.hierarchy, otherAt.members(), true});
+        const bool changed = BUSelection::updateItems(
+            byPosition.workOrders, other, inPlace,
+            {unitOfRow, &lookups.hierarchy, otherAt.members(), true, true});
         const auto afresh = BUSelection::listItems(byPosition.workOrders, other);
         const auto line = [](const BUSelection::Item &item) {
             return QStringLiteral("%1 %2 %3")

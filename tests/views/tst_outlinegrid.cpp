@@ -312,6 +312,42 @@ TEST(OutlineGrid, OutlineNavigationAndCollapse)
     EXPECT_FALSE(g.isCollapsed(6)) << "a row that stops being a node is not collapsed";
 }
 
+// The shape revision vouches that every row still holds its data: whatever adds, removes or
+// moves rows, or changes a row's data, must change it; cell writes and outline state must not
+// (they would only cost a check).
+TEST(OutlineGrid, ShapeRevisionFollowsRowsAndTheirDataOnly)
+{
+    const struct
+    {
+        const char *name;
+        std::function<void(OutlineGrid &)> change;
+        bool changes;
+    } cases[] = {
+        {"text", [](OutlineGrid &g) { g.setText(3, 1, QStringLiteral("x")); }, false},
+        {"colour", [](OutlineGrid &g) { g.setBackColor(3, 1, QColor(Qt::red)); }, false},
+        {"collapse", [](OutlineGrid &g) { g.setCollapsed(2, true); }, false},
+        {"same row data", [](OutlineGrid &g) { g.setRowData(3, g.rowData(3)); }, false},
+        {"row data", [](OutlineGrid &g) { g.setRowData(3, QStringLiteral("other")); }, true},
+        {"add", [](OutlineGrid &g) { (void)g.addRow(); }, true},
+        {"insert", [](OutlineGrid &g) { g.insertRow(3); }, true},
+        {"remove", [](OutlineGrid &g) { g.removeRow(3); }, true},
+        {"row count", [](OutlineGrid &g) { g.setRowCount(3); }, true},
+        {"sort", [](OutlineGrid &g) { g.sortAllChildren(0); }, true},
+        {"move", [](OutlineGrid &g) { (void)g.moveUnder(g.findRow("c"), g.findRow("b")); }, true},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        OutlineGrid g;
+        fill(g, 3, {});
+        const std::vector<OutlineGrid::TreeNode> tree = {
+            {"root", "r", -1}, {"b", "b", 0}, {"a", "a", 0}, {"c", "c", 0}};
+        (void)g.appendTree(tree, 0);
+        const quint64 before = g.shapeRevision();
+        c.change(g);
+        EXPECT_EQ(g.shapeRevision() != before, c.changes);
+    }
+}
+
 TEST(OutlineGrid, AppendTreeRejectsBadInput)
 {
     const std::vector<std::pair<const char *, std::vector<OutlineGrid::TreeNode>>> bad = {
