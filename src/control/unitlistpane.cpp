@@ -79,32 +79,13 @@ void UnitListPane::takeSelection()
     syncChecks();
 }
 
-void UnitListPane::fill(std::vector<BUSelection::Item> items,
-                        const std::function<bool(const BUSelection::Item &)> &keep)
+void UnitListPane::refill(const std::function<bool(std::vector<BUSelection::Item> &)> &update,
+                          const std::function<bool(const BUSelection::Item &)> &keep)
 {
     // A refresh mostly lists the same units with the same descriptions: the list's items then
     // stay, and only the choice is shown anew (ten thousand items cost tens of milliseconds to
     // build and as much to destroy).
-    const auto sameItem = [](const BUSelection::Item &a, const BUSelection::Item &b) {
-        // A refilled list mostly shares its strings with the last one.
-        return a.level == b.level && SharedText::equal(a.key, b.key) &&
-               SharedText::equal(a.text, b.text);
-    };
-    const bool sameItems =
-        std::equal(items.begin(), items.end(), m_items.begin(), m_items.end(), sameItem);
-    m_items = std::move(items);
-    show(sameItems, keep);
-}
-
-void UnitListPane::refill(const std::function<bool(std::vector<BUSelection::Item> &)> &update,
-                          const std::function<bool(const BUSelection::Item &)> &keep)
-{
-    show(!update(m_items), keep);
-}
-
-void UnitListPane::show(bool sameItems, const std::function<bool(const BUSelection::Item &)> &keep)
-{
-    sameItems = sameItems && !m_widgets.empty();
+    const bool sameItems = !update(m_items) && !m_widgets.empty();
     m_parents = BUSelection::treeParents(m_items);
     std::vector<char> chosen;
     chosen.reserve(m_items.size());

@@ -36,12 +36,8 @@ public:
     UnitListPane(QWidget *frame, QTreeWidget *list, ViewChoice &choice, CaptionLookup caption);
     ~UnitListPane() override;
 
-    /// Replaces the items; the items that keep holds are selected again.
-    void fill(std::vector<BUSelection::Item> items,
-              const std::function<bool(const BUSelection::Item &)> &keep);
-
     /// Brings the items up to date in place through update, which tells whether it changed any
-    /// (BUSelection::updateItems); otherwise as fill().
+    /// (BUSelection::updateItems); the items that keep holds are selected again.
     void refill(const std::function<bool(std::vector<BUSelection::Item> &)> &update,
                 const std::function<bool(const BUSelection::Item &)> &keep);
 
@@ -65,9 +61,6 @@ public:
     void layout(const QRect &area);
 
 private:
-    /// The fill's work once the items are in place: the choice, the widgets (kept when the
-    /// items are the same) and the selection.
-    void show(bool sameItems, const std::function<bool(const BUSelection::Item &)> &keep);
     void rebuild();
     /// Selects the widgets of the chosen units, in one selection change.
     void showChoice();

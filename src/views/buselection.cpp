@@ -5,16 +5,6 @@
 #include "views/hierarchygrid.h"
 #include "views/outlinegrid.h"
 
-std::vector<BUSelection::Item> BUSelection::listItems(const OutlineGrid &workOrderGrid,
-                                                      const StringSet &sessionBUs,
-                                                      const std::vector<Item> &previous,
-                                                      const KnownRows &known)
-{
-    std::vector<Item> items = previous;
-    updateItems(workOrderGrid, sessionBUs, items, known);
-    return items;
-}
-
 bool BUSelection::updateItems(const OutlineGrid &workOrderGrid, const StringSet &sessionBUs,
                               std::vector<Item> &items, const KnownRows &known)
 {

@@ -22,7 +22,7 @@ struct KnownRows
     /// Whether the grid's rows are still as the fill that told unitOfRow left them (no row
     /// added, removed, moved or given other data since): the rows' units need no check then.
     bool rowsAsTold = false;
-    /// Whether the last list (listItems' previous) was made with the same unit lookups, so that
+    /// Whether the last list (updateItems' items) was made with the same unit lookups, so that
     /// its items' units are positions in the same hierarchy.
     bool previousAlike = false;
 };
@@ -41,22 +41,16 @@ public:
         int unit = -1; ///< the unit's hierarchy position, when the rows' units were known
     };
 
-    /// Walks the hierarchy grid's rows from row 2 in tree order and lists every row whose row data
-    /// is in the session set, with the unit's description. The hierarchy fill writes each unit's
-    /// row from its entry in the description lookup, row data and tree text: the description is
-    /// the row's tree text, read there rather than looked up again (a list of thousands of units
-    /// is made on every refresh). previous, the last list made, lends the keys of units listed
-    /// at the same place again, so that an unchanged list makes no new strings.
-    /// known, when given, says which session units the rows show without a lookup of their ids.
-    [[nodiscard]] static std::vector<Item> listItems(const OutlineGrid &workOrderGrid,
-                                                     const StringSet &sessionBUs,
-                                                     const std::vector<Item> &previous = {},
-                                                     const KnownRows &known = {});
-
-    /// listItems() in place: items, the last list made, becomes the new one. An item for the same
-    /// unit with the same description and level stays as it was, so that an unchanged list of
-    /// thousands of units touches no string (a copy of one counts a reference in its block, a
-    /// cache miss apiece). Returns whether any item changed (beyond the units it tells).
+    /// Makes items, the last list made, the list for the hierarchy grid's rows, in place: from
+    /// row 2 in tree order, every row whose row data is in the session set, with the unit's
+    /// description. The hierarchy fill writes each unit's row from its entry in the description
+    /// lookup, row data and tree text: the description is the row's tree text, read there rather
+    /// than looked up again (a list of thousands of units is made on every refresh). An item for
+    /// the same unit at the same place keeps its key, and with the same description and level
+    /// stays as it was, so that an unchanged list touches no string (a copy of one counts a
+    /// reference in its block, a cache miss apiece). known, when given, says which session
+    /// units the rows show without a lookup of their ids. Returns whether any item changed
+    /// (beyond the units it tells).
     static bool updateItems(const OutlineGrid &workOrderGrid, const StringSet &sessionBUs,
                             std::vector<Item> &items, const KnownRows &known = {});
 

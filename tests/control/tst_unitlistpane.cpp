@@ -34,11 +34,21 @@ struct Pane
     }
     void fill(const Items &units, std::vector<const char *> keep)
     {
-        pane->fill(units, [&keep](const BUSelection::Item &item) {
-            const QStringView id = QStringView(item.key).mid(1);
-            return std::any_of(keep.begin(), keep.end(),
-                               [id](const char *k) { return id == QLatin1StringView(k); });
-        });
+        pane->refill(
+            [&units](std::vector<BUSelection::Item> &items) {
+                const bool same =
+                    std::equal(items.begin(), items.end(), units.begin(), units.end(),
+                               [](const BUSelection::Item &a, const BUSelection::Item &b) {
+                                   return a.key == b.key && a.text == b.text && a.level == b.level;
+                               });
+                items = units;
+                return !same;
+            },
+            [&keep](const BUSelection::Item &item) {
+                const QStringView id = QStringView(item.key).mid(1);
+                return std::any_of(keep.begin(), keep.end(),
+                                   [id](const char *k) { return id == QLatin1StringView(k); });
+            });
     }
     std::vector<QTreeWidgetItem *> widgets() const
     {

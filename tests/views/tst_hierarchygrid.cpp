@@ -37,6 +37,15 @@ std::string figures(const OutlineGrid &grid, int row)
     return cells.join(u',').toStdString();
 }
 
+/// The unit list for the grid's rows, made from previous as the control makes it.
+std::vector<BUSelection::Item> listed(const OutlineGrid &grid, const StringSet &session,
+                                      std::vector<BUSelection::Item> previous = {},
+                                      const KnownRows &known = {})
+{
+    BUSelection::updateItems(grid, session, previous, known);
+    return previous;
+}
+
 /// The step-by-step build the direct one must match: every unit under the root in description
 /// order, each moved under its parent in parent-lookup order (a move into the unit's own subtree
 /// is impossible and leaves it under the root), childless nodes the model lacks pruned from the
@@ -230,8 +239,8 @@ TEST(HierarchyGridTree, DirectBuildMatchesTheStepByStepProcedureOnRandomData)
         }
         if (random.bounded(5) == 0)
             session.add(QStringLiteral("#"), QStringLiteral("#"));
-        const auto first = BUSelection::listItems(g.workOrders, session);
-        const auto again = BUSelection::listItems(g.workOrders, session, first);
+        const auto first = listed(g.workOrders, session);
+        const auto again = listed(g.workOrders, session, first);
         for (const auto *items : {&first, &again}) {
             std::vector<std::string> expected;
             for (int row = 2; row < g.workOrders.rowCount(); ++row) {
@@ -283,9 +292,8 @@ TEST(HierarchyGridTree, DirectBuildMatchesTheStepByStepProcedureOnRandomData)
         std::vector<int> shifted(unitOfRow.begin() + 1, unitOfRow.end());
         shifted.push_back(-1);
         for (const std::vector<int> *told : {&unitOfRow, &shifted}) {
-            const auto known =
-                BUSelection::listItems(byPosition.workOrders, session, first,
-                                       {*told, &lookups.hierarchy, sessionAt.members()});
+            const auto known = listed(byPosition.workOrders, session, first,
+                                      {*told, &lookups.hierarchy, sessionAt.members()});
             ASSERT_EQ(known.size(), first.size());
             for (std::size_t i = 0; i < known.size(); ++i) {
                 ASSERT_EQ(known[i].key, first[i].key);
@@ -303,7 +311,7 @@ TEST(HierarchyGridTree, DirectBuildMatchesTheStepByStepProcedureOnRandomData)
         // The grid is as the fill left it: its rows' units are taken without a check.
         const KnownRows sameLookups{unitOfRow, &lookups.hierarchy, sessionAt.members(), true, true};
         std::vector<BUSelection::Item> inPlace =
-            BUSelection::listItems(byPosition.workOrders, session, {}, sameLookups);
+            listed(byPosition.workOrders, session, {}, sameLookups);
         const std::vector<BUSelection::Item> before = inPlace;
         ASSERT_FALSE(
             BUSelection::updateItems(byPosition.workOrders, session, inPlace, sameLookups));
@@ -321,7 +329,7 @@ TEST(HierarchyGridTree, DirectBuildMatchesTheStepByStepProcedureOnRandomData)
         const bool changed = BUSelection::updateItems(
             byPosition.workOrders, other, inPlace,
             {unitOfRow, &lookups.hierarchy, otherAt.members(), true, true});
-        const auto afresh = BUSelection::listItems(byPosition.workOrders, other);
+        const auto afresh = listed(byPosition.workOrders, other);
         const auto line = [](const BUSelection::Item &item) {
             return QStringLiteral("%1 %2 %3")
                 .arg(item.key, item.text)
