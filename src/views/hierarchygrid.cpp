@@ -479,37 +479,65 @@ void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const Uni
         unitOfRow->clear();
     OutlineGrid::RedrawSuspender suspendWorkOrders(workOrders);
     OutlineGrid::RedrawSuspender suspendPoints(points);
-    std::vector<int> nodeOfUnit;
-    const std::vector<OutlineGrid::TreeNode> nodes = BuildTree(lookups, bus, &nodeOfUnit);
-    const OutlineGrid::TreeLayout layout = OutlineGrid::layOutTree(nodes, true);
-    for (OutlineGrid *grid : {&workOrders, &points}) {
-        // The same tree as last time keeps its rows (a refresh mostly changes figures only).
-        if (!grid->keepTree(nodes, layout, 0, 0)) {
-            grid->removeSubtotals();
-            grid->setRowCount(2);
-            grid->appendTree(nodes, layout, 0, 0);
-        }
-        if (grid->rowCount() > 1) // the data rows' tree texts go bold with their figures
-            grid->setBold(1, 0, 1, 0, true);
+    // What the tree is made of: with aligned lookups, the lookups themselves (their epoch) and
+    // which of their units the model holds (the prune keeps the others only above held units).
+    std::vector<char> held;
+    bool rootHeld = false;
+    if (lookups.aligned) {
+        held.resize(lookups.units.size());
+        for (std::size_t u = 0; u < held.size(); ++u)
+            held[u] = lookups.units[u] != nullptr;
+        rootHeld = bus.Item(RootKey) != nullptr;
     }
+    const bool treeStands =
+        written && written->m_tree.valid && lookups.aligned &&
+        written->m_tree.epoch == lookups.epoch && written->m_tree.rootHeld == rootHeld &&
+        written->m_tree.held == held &&
+        written->m_tree.shape == std::array{workOrders.shapeRevision(), points.shapeRevision()} &&
+        written->m_tree.text == std::array{workOrders.textRevision(), points.textRevision()};
     // Each unit's row, when the lookups are aligned (a position is then a hierarchy index too):
     // the sums find the chosen units' rows without looking their ids up in the grid.
     std::vector<int> rowOfUnit;
-    if (lookups.aligned) {
-        std::vector<int> rowOfNode(nodes.size());
-        for (std::size_t k = 0; k < layout.order.size(); ++k)
-            rowOfNode[std::size_t(layout.order[k])] = workOrders.fixedRows() + int(k);
-        rowOfUnit.assign(nodeOfUnit.size(), -1);
-        for (std::size_t u = 0; u < nodeOfUnit.size(); ++u) {
-            if (nodeOfUnit[u] >= 0)
-                rowOfUnit[u] = rowOfNode[std::size_t(nodeOfUnit[u])];
+    if (treeStands) {
+        // The rows are the tree's, texts and all: what keepTree() would find and leave.
+        rowOfUnit = written->m_tree.rowOfUnit;
+        for (OutlineGrid *grid : {&workOrders, &points}) {
+            grid->resetDataRows();
+            if (grid->rowCount() > 1)
+                grid->setBold(1, 0, 1, 0, true);
         }
-        if (unitOfRow) {
-            unitOfRow->assign(std::size_t(workOrders.rowCount()), -1);
-            for (std::size_t u = 0; u < rowOfUnit.size(); ++u) {
-                if (rowOfUnit[u] >= 0)
-                    (*unitOfRow)[std::size_t(rowOfUnit[u])] = int(u);
+    } else {
+        if (written)
+            written->m_tree = WrittenRows::Tree();
+        std::vector<int> nodeOfUnit;
+        const std::vector<OutlineGrid::TreeNode> nodes = BuildTree(lookups, bus, &nodeOfUnit);
+        const OutlineGrid::TreeLayout layout = OutlineGrid::layOutTree(nodes, true);
+        for (OutlineGrid *grid : {&workOrders, &points}) {
+            // The same tree as last time keeps its rows (a refresh mostly changes figures only).
+            if (!grid->keepTree(nodes, layout, 0, 0)) {
+                grid->removeSubtotals();
+                grid->setRowCount(2);
+                grid->appendTree(nodes, layout, 0, 0);
             }
+            if (grid->rowCount() > 1) // the data rows' tree texts go bold with their figures
+                grid->setBold(1, 0, 1, 0, true);
+        }
+        if (lookups.aligned) {
+            std::vector<int> rowOfNode(nodes.size());
+            for (std::size_t k = 0; k < layout.order.size(); ++k)
+                rowOfNode[std::size_t(layout.order[k])] = workOrders.fixedRows() + int(k);
+            rowOfUnit.assign(nodeOfUnit.size(), -1);
+            for (std::size_t u = 0; u < nodeOfUnit.size(); ++u) {
+                if (nodeOfUnit[u] >= 0)
+                    rowOfUnit[u] = rowOfNode[std::size_t(nodeOfUnit[u])];
+            }
+        }
+    }
+    if (unitOfRow && lookups.aligned) {
+        unitOfRow->assign(std::size_t(workOrders.rowCount()), -1);
+        for (std::size_t u = 0; u < rowOfUnit.size(); ++u) {
+            if (rowOfUnit[u] >= 0)
+                (*unitOfRow)[std::size_t(rowOfUnit[u])] = int(u);
         }
     }
     std::vector<RowFigures> figures;
@@ -567,5 +595,15 @@ void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const Uni
         written->m_figures[row] = packed(figures[row]);
         written->m_cells[0][row] = workOrders.rowCells(int(row));
         written->m_cells[1][row] = points.rowCells(int(row));
+    }
+    if (lookups.aligned) {
+        WrittenRows::Tree &tree = written->m_tree;
+        tree.epoch = lookups.epoch;
+        tree.held = std::move(held);
+        tree.rootHeld = rootHeld;
+        tree.rowOfUnit = std::move(rowOfUnit);
+        tree.shape = {workOrders.shapeRevision(), points.shapeRevision()};
+        tree.text = {workOrders.textRevision(), points.textRevision()};
+        tree.valid = true;
     }
 }

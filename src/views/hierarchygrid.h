@@ -34,12 +34,28 @@ struct UnitLookups;
 /// What a hierarchy fill wrote into the rows of both grids: each row's figures, and its cells in
 /// either grid as the fill left them (OutlineGrid::RowCells). A refresh mostly changes few rows;
 /// the next fill with it passes over the others without reading a cell.
+/// It also holds the tree it laid out, which stands while what the tree is made of stays (the
+/// same lookups, the model holding the same of their units) and no one has moved a row or
+/// written a text in either grid since: the next fill then takes the rows as they are without
+/// building the tree again or reading a row.
 class WrittenRows
 {
     friend class HierarchyGrid;
     static constexpr int Figures = 18; // technicians, two hours, 2 x 7 counts, reached
     std::vector<std::array<qint32, Figures>> m_figures;
     std::array<std::vector<OutlineGrid::RowCells>, 2> m_cells;
+
+    struct Tree
+    {
+        bool valid = false;
+        quint64 epoch = 0;
+        std::vector<char> held; ///< per hierarchy position: whether the model holds the unit
+        bool rootHeld = false;  ///< whether the model holds a unit "#"
+        std::vector<int> rowOfUnit;
+        std::array<quint64, 2> shape{};
+        std::array<quint64, 2> text{};
+    };
+    Tree m_tree;
 };
 
 class HierarchyGrid

@@ -295,6 +295,7 @@ void OutlineGrid::setFixedRows(int fixed)
 
 void OutlineGrid::clear()
 {
+    ++m_textRevision;
     for (Row &r : m_rows) {
         for (Cell &c : r.cells)
             c = Cell();
@@ -409,6 +410,7 @@ void OutlineGrid::writeCell(int row, int col, const Cell &value)
     if (now.digits == value.digits && now.decimal == value.decimal && sameNumber &&
         now.sameShown(value))
         return;
+    ++m_textRevision;
     Cell &c = cell(row, col);
     c.text = value.text;
     c.number = value.number;
@@ -912,6 +914,12 @@ bool OutlineGrid::keepTree(const std::vector<TreeNode> &nodes, const TreeLayout 
             r.cells.isDetached())
             r.cells[textCol].text = node.text;
     }
+    resetDataRows();
+    return true;
+}
+
+void OutlineGrid::resetDataRows()
+{
     bool heights = false;
     for (int r = m_fixedRows; r < rowCount(); ++r) {
         setCollapsed(r, false);
@@ -922,7 +930,6 @@ bool OutlineGrid::keepTree(const std::vector<TreeNode> &nodes, const TreeLayout 
     }
     if (heights)
         notifyLayout();
-    return true;
 }
 
 std::vector<int> OutlineGrid::appendTree(const std::vector<TreeNode> &nodes, int textCol,

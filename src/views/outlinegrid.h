@@ -179,6 +179,9 @@ public:
     /// Changes whenever rows are added, removed or moved or a row's data changes: while it stays,
     /// every row holds the data it held.
     [[nodiscard]] quint64 shapeRevision() const noexcept { return m_shapeRevision; }
+    /// Changes whenever a cell's text or number changes (colours and bold do not count): while it
+    /// and shapeRevision() stay, every cell shows what it showed.
+    [[nodiscard]] quint64 textRevision() const noexcept { return m_textRevision; }
 
     /// A row's cells as they stood when taken, shared with the grid. While it is held, any write
     /// to the row copies the row's cells first, so unchangedSince() tells without reading a cell
@@ -289,6 +292,9 @@ public:
     void setCollapsed(int row, bool collapsed);
     /// Expands every node.
     void expandAll();
+    /// Expands every node and gives every data row the default height, as a refill that keeps
+    /// its rows leaves them.
+    void resetDataRows();
     /// False when an ancestor node is collapsed.
     [[nodiscard]] bool isRowVisible(int row) const;
 
@@ -411,6 +417,7 @@ private:
     mutable QHash<QString, int> m_index;
     mutable bool m_indexDirty = true;
     quint64 m_shapeRevision = 0;
+    quint64 m_textRevision = 0;
     mutable std::vector<bool> m_visible;
     mutable bool m_visibleDirty = true;
 };

@@ -314,26 +314,38 @@ TEST(OutlineGrid, OutlineNavigationAndCollapse)
 
 // The shape revision vouches that every row still holds its data: whatever adds, removes or
 // moves rows, or changes a row's data, must change it; cell writes and outline state must not
-// (they would only cost a check).
-TEST(OutlineGrid, ShapeRevisionFollowsRowsAndTheirDataOnly)
+// (they would only cost a check). The text revision vouches that every cell shows what it
+// showed: any write of another text or number must change it, writing the same value or
+// anything besides texts must not.
+TEST(OutlineGrid, RevisionsFollowWhatTheyVouchFor)
 {
     const struct
     {
         const char *name;
         std::function<void(OutlineGrid &)> change;
-        bool changes;
+        bool shape;
+        bool text;
     } cases[] = {
-        {"text", [](OutlineGrid &g) { g.setText(3, 1, QStringLiteral("x")); }, false},
-        {"colour", [](OutlineGrid &g) { g.setBackColor(3, 1, QColor(Qt::red)); }, false},
-        {"collapse", [](OutlineGrid &g) { g.setCollapsed(2, true); }, false},
-        {"same row data", [](OutlineGrid &g) { g.setRowData(3, g.rowData(3)); }, false},
-        {"row data", [](OutlineGrid &g) { g.setRowData(3, QStringLiteral("other")); }, true},
-        {"add", [](OutlineGrid &g) { (void)g.addRow(); }, true},
-        {"insert", [](OutlineGrid &g) { g.insertRow(3); }, true},
-        {"remove", [](OutlineGrid &g) { g.removeRow(3); }, true},
-        {"row count", [](OutlineGrid &g) { g.setRowCount(3); }, true},
-        {"sort", [](OutlineGrid &g) { g.sortAllChildren(0); }, true},
-        {"move", [](OutlineGrid &g) { (void)g.moveUnder(g.findRow("c"), g.findRow("b")); }, true},
+        {"text", [](OutlineGrid &g) { g.setText(3, 1, QStringLiteral("x")); }, false, true},
+        {"tree text", [](OutlineGrid &g) { g.setText(3, 0, QStringLiteral("x")); }, false, true},
+        {"same text", [](OutlineGrid &g) { g.setText(3, 0, QString(g.text(3, 0))); }, false, false},
+        {"range", [](OutlineGrid &g) { g.setText(2, 0, 4, 2, QStringLiteral("x")); }, false, true},
+        {"number", [](OutlineGrid &g) { g.setNumber(3, 2, qint64(7)); }, false, true},
+        {"decimal", [](OutlineGrid &g) { g.setDecimal(3, 2, 0.5); }, false, true},
+        {"clear", [](OutlineGrid &g) { g.clear(); }, false, true},
+        {"colour", [](OutlineGrid &g) { g.setBackColor(3, 1, QColor(Qt::red)); }, false, false},
+        {"bold", [](OutlineGrid &g) { g.setBold(3, 0, true); }, false, false},
+        {"height", [](OutlineGrid &g) { g.setRowHeight(3, 500); }, false, false},
+        {"collapse", [](OutlineGrid &g) { g.setCollapsed(2, true); }, false, false},
+        {"same row data", [](OutlineGrid &g) { g.setRowData(3, g.rowData(3)); }, false, false},
+        {"row data", [](OutlineGrid &g) { g.setRowData(3, QStringLiteral("other")); }, true, false},
+        {"add", [](OutlineGrid &g) { (void)g.addRow(); }, true, false},
+        {"insert", [](OutlineGrid &g) { g.insertRow(3); }, true, false},
+        {"remove", [](OutlineGrid &g) { g.removeRow(3); }, true, false},
+        {"row count", [](OutlineGrid &g) { g.setRowCount(3); }, true, false},
+        {"sort", [](OutlineGrid &g) { g.sortAllChildren(0); }, true, false},
+        {"move", [](OutlineGrid &g) { (void)g.moveUnder(g.findRow("c"), g.findRow("b")); }, true,
+         false},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -342,9 +354,11 @@ TEST(OutlineGrid, ShapeRevisionFollowsRowsAndTheirDataOnly)
         const std::vector<OutlineGrid::TreeNode> tree = {
             {"root", "r", -1}, {"b", "b", 0}, {"a", "a", 0}, {"c", "c", 0}};
         (void)g.appendTree(tree, 0);
-        const quint64 before = g.shapeRevision();
+        const quint64 shape = g.shapeRevision();
+        const quint64 text = g.textRevision();
         c.change(g);
-        EXPECT_EQ(g.shapeRevision() != before, c.changes);
+        EXPECT_EQ(g.shapeRevision() != shape, c.shape);
+        EXPECT_EQ(g.textRevision() != text, c.text);
     }
 }
 
