@@ -63,11 +63,14 @@ private:
     /// Sets the four rates from the grand totals and the hours.
     void calcRates();
 
-    QString m_buid;
-    QString m_buDesc;
+    // The figures the views sum over thousands of units come first and together: a sum then
+    // reads one or two cache lines of each unit instead of three or four.
     qint32 m_techCount = 0;
     qint32 m_hoursWorked = 0;
     qint32 m_hoursRemaining = 0;
+    std::array<qint32, CounterCount> m_grandTotals{};
+    QString m_buid;
+    QString m_buDesc;
     float m_wosPerHour = 0;
     float m_wosPerHrReq = 0;
     float m_ptsPerHour = 0;
@@ -76,7 +79,6 @@ private:
     JobClasses m_allClasses;
     JobType m_totalJobType;
     qint32 m_buIndex = 0;
-    std::array<qint32, CounterCount> m_grandTotals{};
     bool m_plainTotals = false;
     BusinessUnits *m_owner = nullptr; // told when BUIndex changes, to refresh its BUItem index
 };

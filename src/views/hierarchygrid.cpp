@@ -335,7 +335,18 @@ bool fillBottomUp(std::vector<RowFigures> &figures, const OutlineGrid &workOrder
         return false;
     std::vector<int> placeOf(static_cast<std::size_t>(n));
     std::vector<SubtreeFigures> sums(static_cast<std::size_t>(n));
+    constexpr std::size_t Ahead = 8; // units lie all over the heap: ask for them ahead
     for (std::size_t k = 0; k < order.size(); ++k) {
+        if (k + Ahead < order.size()) {
+            // The figures open the unit (BusinessUnit keeps them first) and may run into a
+            // second cache line.
+            const char *next =
+                reinterpret_cast<const char *>(lookups.units[std::size_t(order[k + Ahead])]);
+            if (next) {
+                __builtin_prefetch(next);
+                __builtin_prefetch(next + SubtreeFigures::Count * sizeof(qint32) - 1);
+            }
+        }
         placeOf[std::size_t(order[k])] = int(k);
         if (const BusinessUnit *bu = lookups.units[std::size_t(order[k])]) {
             if (!sums[k].assign(*bu))
