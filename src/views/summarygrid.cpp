@@ -397,7 +397,7 @@ void SummaryGrid::ShowBUs(const BusinessUnits &bus, const StringSet &buSet,
         if (i + 1 < units.size()) {
             const char *next =
                 reinterpret_cast<const char *>(units[i + 1]->AllJobClasses().begin());
-            for (int line = 0; line < 4; ++line)
+            for (int line = 0; next && line < 4; ++line) // a unit without classes has no block
                 __builtin_prefetch(next + 64 * line);
         }
         const BusinessUnit *bu = units[i];

@@ -83,7 +83,9 @@ TEST_F(SummaryGridTest, NothingToShowGivesOneGreyTotalRowAndAZeroPanel)
     LoadedModel model(DLVDataBuilder()
                           .unit("#", "All", "")
                           .unit("E", "Empty", "#")
-                          .general("E", "Empty", "5", "6", "7"));
+                          .unit("F", "Bare", "#")
+                          .general("E", "Empty", "5", "6", "7")
+                          .general("F", "Bare", "1", "1", "1"));
     const struct
     {
         const char *name;
@@ -93,6 +95,10 @@ TEST_F(SummaryGridTest, NothingToShowGivesOneGreyTotalRowAndAZeroPanel)
         {"nothing chosen", {}, {"0", "0", "0", "0", "0", "0", "0", "0", "0", "0", "0"}},
         // A unit without detail rows still adds its technicians and hours to the panel.
         {"unit without details", {"E"}, {"5", "6", "7", "0", "0", "0", "0", "0", "0", "0", "0"}},
+        // No unit has a class: no unit's class block lies anywhere.
+        {"units without details",
+         {"E", "F"},
+         {"6", "7", "8", "0", "0", "0", "0", "0", "0", "0", "0"}},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
