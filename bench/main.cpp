@@ -58,15 +58,18 @@ double bestLoadMs(const std::shared_ptr<QZWebMessage> &message, int runs)
 
 void printViewerStages(const ViewerBench::Times &t, double parseMs)
 {
-    const auto line = [](const char *name, double ms, const QString &key, double value) {
+    const auto line = [](const char *name, double ms, double coldMs, const QString &key,
+                         double value) {
         Stage stage(QString::fromLatin1(name));
         stage.setElapsed(ms);
+        stage.add(QStringLiteral("cold_ms"), coldMs);
         stage.add(key, value);
         stage.print();
     };
-    line("hierarchy_fill", t.hierarchyFill, QStringLiteral("rows"), t.hierarchyRows);
-    line("unit_list", t.unitList, QStringLiteral("items"), t.listItems);
-    line("summary_fill", t.summaryFill, QStringLiteral("rows"), t.summaryRows);
+    line("hierarchy_fill", t.hierarchyFill, t.hierarchyFillCold, QStringLiteral("rows"),
+         t.hierarchyRows);
+    line("unit_list", t.unitList, t.unitListCold, QStringLiteral("items"), t.listItems);
+    line("summary_fill", t.summaryFill, t.summaryFillCold, QStringLiteral("rows"), t.summaryRows);
     Stage refresh(QStringLiteral("refresh"));
     refresh.setElapsed(t.refresh);
     refresh.add(QStringLiteral("units"), t.units);
@@ -361,6 +364,9 @@ int main(int argc, char **argv)
         ratioLine("hierarchy_fill", n.hierarchyFill, n2.hierarchyFill);
         ratioLine("unit_list", n.unitList, n2.unitList);
         ratioLine("summary_fill", n.summaryFill, n2.summaryFill);
+        ratioLine("hierarchy_fill_cold", n.hierarchyFillCold, n2.hierarchyFillCold);
+        ratioLine("unit_list_cold", n.unitListCold, n2.unitListCold);
+        ratioLine("summary_fill_cold", n.summaryFillCold, n2.summaryFillCold);
         ratioLine("refresh", n.refresh, n2.refresh);
 
         // The live control at N and 2N: the refresh until painted and every interaction.

@@ -16,4 +16,9 @@ public:
 
     /// bytes is the UTF-8 text; its pages are touched before anything is timed.
     [[nodiscard]] static Times measure(const QByteArray &bytes, int runs);
+
+    /// Reads a buffer several times the size of the largest cache, so that what runs next finds
+    /// nothing of its own data in the caches: as a fill inside a refresh does, after the
+    /// message's parse and load have streamed a hundred megabytes through them.
+    static void evictCaches();
 };

@@ -36,6 +36,18 @@ public:
         return best;
     }
 
+    /// The same with `before` run ahead of each timed run, untimed.
+    template <typename Before, typename Body>
+    [[nodiscard]] static double bestOf(int runs, Before &&before, Body &&body)
+    {
+        double best = 1e300;
+        for (int i = 0; i < std::max(runs, 1); ++i) {
+            before();
+            best = std::min(best, bestOf(1, body));
+        }
+        return best;
+    }
+
     /// Peak resident set size of this process in kB (VmHWM), or -1 when unknown.
     [[nodiscard]] static long peakRssKb();
 

@@ -4,6 +4,7 @@
 #include "control/dlviewer.h"
 #include "control/dlviewer_p.h"
 #include "model/cdlvcontroller.h"
+#include "physicalfloor.h"
 #include "stage.h"
 #include "viewertestaccess.h"
 #include "views/hierarchygrid.h"
@@ -40,6 +41,11 @@ ViewerBench::Times ViewerBench::run(const std::shared_ptr<QZWebMessage> &message
     times.hierarchyFill = Stage::bestOf(runs, [&] { d.fills().fillHierarchyGrids(model); });
     times.unitList = Stage::bestOf(runs, [&] { d.fills().LoadBUListView(); });
     times.summaryFill = Stage::bestOf(runs, [&] { d.fills().ShowBUs(model); });
+    const auto evict = [] { PhysicalFloor::evictCaches(); };
+    times.hierarchyFillCold =
+        Stage::bestOf(runs, evict, [&] { d.fills().fillHierarchyGrids(model); });
+    times.unitListCold = Stage::bestOf(runs, evict, [&] { d.fills().LoadBUListView(); });
+    times.summaryFillCold = Stage::bestOf(runs, evict, [&] { d.fills().ShowBUs(model); });
 
     times.hierarchyRows = d.views().grid(1).rowCount();
     times.listItems = d.unitListWidget()->topLevelItemCount();

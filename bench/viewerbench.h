@@ -18,6 +18,10 @@ public:
         double unitList = 0;      ///< LoadBUListView with the selection kept
         double summaryFill = 0;   ///< ShowBUs: summary grid, panel, view reset
         double refresh = 0;       ///< one data message end to end: load plus all fills
+        /// The three fills again, each run after the caches were flooded (as inside a refresh).
+        double hierarchyFillCold = 0;
+        double unitListCold = 0;
+        double summaryFillCold = 0;
         int units = 0;
         int hierarchyRows = 0;
         int listItems = 0;
