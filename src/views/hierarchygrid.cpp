@@ -503,7 +503,8 @@ void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const Uni
     const bool treeStands =
         written && written->m_tree.valid && lookups.aligned &&
         written->m_tree.epoch == lookups.epoch && written->m_tree.rootHeld == rootHeld &&
-        written->m_tree.held == held &&
+        written->m_tree.held == held && written->m_tree.rows == workOrders.rowCount() &&
+        written->m_tree.rows == points.rowCount() &&
         written->m_tree.shape == std::array{workOrders.shapeRevision(), points.shapeRevision()} &&
         written->m_tree.text == std::array{workOrders.textRevision(), points.textRevision()};
     // Each unit's row, when the lookups are aligned (a position is then a hierarchy index too):
@@ -613,6 +614,7 @@ void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const Uni
         tree.held = std::move(held);
         tree.rootHeld = rootHeld;
         tree.rowOfUnit = std::move(rowOfUnit);
+        tree.rows = workOrders.rowCount();
         tree.shape = {workOrders.shapeRevision(), points.shapeRevision()};
         tree.text = {workOrders.textRevision(), points.textRevision()};
         tree.valid = true;

@@ -52,6 +52,7 @@ class WrittenRows
         std::vector<char> held; ///< per hierarchy position: whether the model holds the unit
         bool rootHeld = false;  ///< whether the model holds a unit "#"
         std::vector<int> rowOfUnit;
+        int rows = 0; ///< rows of each grid
         std::array<quint64, 2> shape{};
         std::array<quint64, 2> text{};
     };

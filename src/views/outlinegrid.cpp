@@ -7,6 +7,7 @@
 #include "common/sharedtext.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstdint>
 #include <utility>
@@ -72,6 +73,12 @@ void OutlineGrid::checkRange(int row1, int col1, int row2, int col2) const
     checkCol(col2);
 }
 
+quint64 OutlineGrid::nextRevision()
+{
+    static std::atomic<quint64> last{0};
+    return ++last;
+}
+
 OutlineGrid::Cell &OutlineGrid::cell(int row, int col)
 {
     checkRow(row);
@@ -103,7 +110,7 @@ void OutlineGrid::beginStructure()
 
 void OutlineGrid::endStructure()
 {
-    ++m_shapeRevision;
+    m_shapeRevision = nextRevision();
     m_structureDirty = true;
     m_indexDirty = true;
     m_visibleDirty = true;
@@ -295,7 +302,7 @@ void OutlineGrid::setFixedRows(int fixed)
 
 void OutlineGrid::clear()
 {
-    ++m_textRevision;
+    m_textRevision = nextRevision();
     for (Row &r : m_rows) {
         for (Cell &c : r.cells)
             c = Cell();
@@ -410,7 +417,7 @@ void OutlineGrid::writeCell(int row, int col, const Cell &value)
     if (now.digits == value.digits && now.decimal == value.decimal && sameNumber &&
         now.sameShown(value))
         return;
-    ++m_textRevision;
+    m_textRevision = nextRevision();
     Cell &c = cell(row, col);
     c.text = value.text;
     c.number = value.number;
@@ -560,7 +567,7 @@ void OutlineGrid::setRowData(int row, const QString &data)
     QString &current = m_rows[size_t(row)].data;
     if (current == data)
         return;
-    ++m_shapeRevision;
+    m_shapeRevision = nextRevision();
     if (!m_indexDirty && row >= m_fixedRows) {
         // Keep the index valid for the usual append-then-name pattern; anything that might expose
         // a duplicate further down falls back to a lazy rebuild.

@@ -416,8 +416,11 @@ private:
     mutable bool m_structureDirty = true;
     mutable QHash<QString, int> m_index;
     mutable bool m_indexDirty = true;
-    quint64 m_shapeRevision = 0;
-    quint64 m_textRevision = 0;
+    /// Revisions are numbered across all grids: a grid never shows another grid's revision, so
+    /// whoever kept one cannot take a new grid for the one it saw.
+    static quint64 nextRevision();
+    quint64 m_shapeRevision = nextRevision();
+    quint64 m_textRevision = nextRevision();
     mutable std::vector<bool> m_visible;
     mutable bool m_visibleDirty = true;
 };
