@@ -160,8 +160,6 @@ void ViewsController::fillHierarchyGrids(const BusinessUnits &bus)
         m_selectionPositions.update(m_currentSelection, lookups.hierarchy, lookups.epoch);
         HierarchyGrid::Fill(views.grid(1), views.grid(2), lookups, bus, m_currentSelection,
                             m_selectionPositions.positions(), &m_unitOfRow, &m_writtenRows);
-        m_unitOfRowShape = views.grid(1).shapeRevision();
-        m_unitOfRowEpoch = lookups.epoch;
         views.FitGridHeight(1);
         views.FitGridHeight(2);
         if (m_hierarchyFilled) {
@@ -191,8 +189,7 @@ void ViewsController::LoadBUListView()
     const UnitLookups lookups = m_dlv->Lookups();
     m_sessionPositions.update(session, lookups.hierarchy, lookups.epoch);
     m_listedPositions.update(kept, lookups.hierarchy, lookups.epoch);
-    const bool rowsAsTold = m_unitOfRowEpoch == lookups.epoch &&
-                            m_unitOfRowShape == m_parts.views.grid(1).shapeRevision();
+    const bool rowsAsTold = m_writtenRows.rowsStand(m_parts.views.grid(1), lookups.epoch);
     const KnownRows known{m_unitOfRow, &lookups.hierarchy, m_sessionPositions.members(), rowsAsTold,
                           m_listEpoch == lookups.epoch};
     m_listEpoch = lookups.epoch;

@@ -129,8 +129,6 @@ private:
     KeptPositions m_sessionPositions;
     KeptPositions m_listedPositions;
     std::vector<int> m_unitOfRow;
-    quint64 m_unitOfRowShape = 0; // the work-order grid's shape revision after that fill
-    quint64 m_unitOfRowEpoch = 0; // and the lookups' epoch
-    WrittenRows m_writtenRows;    // what the last hierarchy fill wrote
-    quint64 m_listEpoch = 0;      // the unit lookups' epoch when the unit list was last made
+    WrittenRows m_writtenRows; // what the last hierarchy fill wrote
+    quint64 m_listEpoch = 0;   // the unit lookups' epoch when the unit list was last made
 };

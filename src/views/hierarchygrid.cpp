@@ -395,6 +395,22 @@ void fillUnitByUnit(std::vector<RowFigures> &figures, const OutlineGrid &workOrd
 
 namespace {
 
+// Whether some id that a row's figures go by lists as its comma pieces: a unit's (the bottom-up
+// sums would add the unit itself where the listing adds its pieces) or a selected id that is no
+// unit. The selected ids found as units are the hierarchy's own, which it has looked at already.
+bool piecedIds(const StringSet &selection, std::span<const int> positions,
+               const BUHierarchy &hierarchy)
+{
+    if (hierarchy.hasPiecedIds())
+        return true;
+    const bool positioned = qsizetype(positions.size()) == selection.count();
+    for (qsizetype k = 0; k < selection.count(); ++k) {
+        if (!(positioned && positions[std::size_t(k)] >= 0) && selection.keyAt(k).contains(u','))
+            return true;
+    }
+    return false;
+}
+
 // Each row's figures: of the unit in the row and of every unit below it that the model holds, once
 // per selected unit that reaches the row. The grid's rows are read, not written.
 std::vector<RowFigures> rowFigures(const OutlineGrid &workOrders, const UnitLookups &lookups,
@@ -403,9 +419,8 @@ std::vector<RowFigures> rowFigures(const OutlineGrid &workOrders, const UnitLook
                                    const std::vector<int> &rowOfUnit)
 {
     std::vector<RowFigures> figures(std::size_t(workOrders.rowCount()));
-    if (!fillBottomUp(figures, workOrders, lookups, bus, selection, positions, rowOfUnit) ||
-        std::any_of(selection.begin(), selection.end(),
-                    [](const auto &entry) { return entry.key.contains(u','); })) {
+    if (piecedIds(selection, positions, lookups.hierarchy) ||
+        !fillBottomUp(figures, workOrders, lookups, bus, selection, positions, rowOfUnit)) {
         figures.assign(figures.size(), RowFigures{});
         fillUnitByUnit(figures, workOrders, lookups, bus, selection);
     }
@@ -449,9 +464,7 @@ void fillUnitByUnit(std::vector<RowFigures> &figures, const OutlineGrid &workOrd
     // The descendants come from the children index. Its listing splits ids that
     // hold a comma into pieces; only then is the general id list needed.
     const BUHierarchy &hierarchy = lookups.hierarchy;
-    bool commaInIds = false;
-    for (int u = 0; u < hierarchy.count() && !commaInIds; ++u)
-        commaInIds = hierarchy.id(u).contains(u',');
+    const bool commaInIds = hierarchy.hasPiecedIds();
     std::vector<int> walk;
 
     for (const auto &entry : selection) {
@@ -494,7 +507,7 @@ void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const Uni
     // which of their units the model holds (the prune keeps the others only above held units).
     std::vector<char> held;
     bool rootHeld = false;
-    if (lookups.aligned) {
+    if (written && lookups.aligned) {
         held.resize(lookups.units.size());
         for (std::size_t u = 0; u < held.size(); ++u)
             held[u] = lookups.units[u] != nullptr;
@@ -512,7 +525,7 @@ void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const Uni
     std::vector<int> rowOfUnit;
     if (treeStands) {
         // The rows are the tree's, texts and all: what keepTree() would find and leave.
-        rowOfUnit = written->m_tree.rowOfUnit;
+        rowOfUnit = std::move(written->m_tree.rowOfUnit); // back in when the fill ends
         for (OutlineGrid *grid : {&workOrders, &points}) {
             grid->resetDataRows();
             if (grid->rowCount() > 1)
@@ -608,7 +621,7 @@ void HierarchyGrid::Fill(OutlineGrid &workOrders, OutlineGrid &points, const Uni
         written->m_cells[0][row] = workOrders.rowCells(int(row));
         written->m_cells[1][row] = points.rowCells(int(row));
     }
-    if (lookups.aligned) {
+    if (lookups.aligned) { // aligned, so the tree's inputs were taken above
         WrittenRows::Tree &tree = written->m_tree;
         tree.epoch = lookups.epoch;
         tree.held = std::move(held);

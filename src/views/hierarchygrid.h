@@ -12,25 +12,6 @@
 class BusinessUnits;
 struct UnitLookups;
 
-/// The business-unit hierarchy grids (elements 1, work orders, and 2, points) over their grid
-/// data, without widgets: an outline tree of the units under the root "#", each unit under its
-/// parent, with each row showing the figures of the selected units that reach it.
-///
-/// Layout: 12 columns, rows 0 and 1 are the fixed header rows, row 2 is the root (row data "#"),
-/// unit rows follow in tree order with their BUID as row data. Column 0 holds the tree, 1 to 3
-/// technicians and hours, 4 to 10 the seven status counts, 11 the productivity (completed over
-/// hours worked).
-///
-/// The tree equals the one the long-standing step-by-step procedure gives (every unit under the
-/// root in description-lookup order, then each unit moved under its parent in parent-lookup order,
-/// childless units the model lacks pruned bottom-up, children sorted by text), but it is built
-/// directly: parents are resolved once, the moves are replayed with a disjoint-set forest, and the
-/// grid receives the finished tree in one bulk append. Linear apart from the sort.
-///
-/// Bad parent data: a unit whose parent has no row stays under the root. A unit whose parent lies
-/// in its own subtree at the time of its move (it is its own parent, or the move would close a
-/// cycle through units moved under it before) cannot be moved there and also stays under the
-/// root, with the units already moved under it.
 /// What a hierarchy fill wrote into the rows of both grids: each row's figures, and its cells in
 /// either grid as the fill left them (OutlineGrid::RowCells). A refresh mostly changes few rows;
 /// the next fill with it passes over the others without reading a cell.
@@ -57,8 +38,37 @@ class WrittenRows
         std::array<quint64, 2> text{};
     };
     Tree m_tree;
+
+public:
+    /// Whether the work-order grid's rows are still those of the last fill with this memory, for
+    /// lookups of the given epoch: no row added, removed or moved, no row data changed since.
+    /// The units that fill told of its rows (HierarchyGrid::Fill's unitOfRow) then stand.
+    [[nodiscard]] bool rowsStand(const OutlineGrid &workOrders, quint64 epoch) const
+    {
+        return m_tree.valid && m_tree.epoch == epoch &&
+               m_tree.shape[0] == workOrders.shapeRevision();
+    }
 };
 
+/// The business-unit hierarchy grids (elements 1, work orders, and 2, points) over their grid
+/// data, without widgets: an outline tree of the units under the root "#", each unit under its
+/// parent, with each row showing the figures of the selected units that reach it.
+///
+/// Layout: 12 columns, rows 0 and 1 are the fixed header rows, row 2 is the root (row data "#"),
+/// unit rows follow in tree order with their BUID as row data. Column 0 holds the tree, 1 to 3
+/// technicians and hours, 4 to 10 the seven status counts, 11 the productivity (completed over
+/// hours worked).
+///
+/// The tree equals the one the long-standing step-by-step procedure gives (every unit under the
+/// root in description-lookup order, then each unit moved under its parent in parent-lookup order,
+/// childless units the model lacks pruned bottom-up, children sorted by text), but it is built
+/// directly: parents are resolved once, the moves are replayed with a disjoint-set forest, and the
+/// grid receives the finished tree in one bulk append. Linear apart from the sort.
+///
+/// Bad parent data: a unit whose parent has no row stays under the root. A unit whose parent lies
+/// in its own subtree at the time of its move (it is its own parent, or the move would close a
+/// cycle through units moved under it before) cannot be moved there and also stays under the
+/// root, with the units already moved under it.
 class HierarchyGrid
 {
 public:

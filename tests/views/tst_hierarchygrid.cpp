@@ -417,8 +417,12 @@ TEST(HierarchyGridFigures, BottomUpSumsMatchTheUnitByUnitListingOnRandomData)
         b.unit("#", "All", "").jobType("T", "T").jobClass("C", "C");
         QStringList ids;
         for (int i = 0; i < n; ++i) {
+            // Now and then an id holding a comma: it lists as its pieces, which may be units.
             const QString id =
-                (random.bounded(8) == 0 ? QStringLiteral("u%1") : QStringLiteral("U%1")).arg(i);
+                random.bounded(12) == 0
+                    ? QStringLiteral("U%1,U%2").arg(i).arg(random.bounded(n))
+                    : (random.bounded(8) == 0 ? QStringLiteral("u%1") : QStringLiteral("U%1"))
+                          .arg(i);
             QString parent;
             switch (random.bounded(8)) {
             case 0:
